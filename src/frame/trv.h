@@ -1,0 +1,162 @@
+/*
+ * trv.h - the library's internal frame: records of the environment and its
+ * channels, the allocator, the checks of every exported call, parameter
+ * access and message output. Every source file of the library includes it.
+ */
+#ifndef TRV_FRAME_H
+#define TRV_FRAME_H
+
+#include <cstdarg>
+#include <cstddef>
+#include <cstdio>
+
+#include "trvlib.h"
+
+#define TRV_EXPORT extern "C" TRVAPI
+
+/* ---- allocator: 16-byte aligned blocks --------------------------------- */
+
+void *trv_malloc(size_t size);
+void *trv_calloc(size_t count, size_t size);
+void *trv_realloc(void *block, size_t size);
+void trv_free_block(void *block);
+template <class T> inline void trv_free(T **pp) {
+    trv_free_block(static_cast<void *>(*pp));
+    *pp = nullptr;
+}
+/* Typed helpers: n elements of T, n = 0 taken as 1. */
+template <class T> inline T *trv_alloc(size_t n) {
+    return static_cast<T *>(trv_malloc((n ? n : 1) * sizeof(T)));
+}
+template <class T> inline T *trv_zalloc(size_t n) {
+    return static_cast<T *>(trv_calloc(n ? n : 1, sizeof(T)));
+}
+template <class T> inline int trv_grow(T **pp, size_t n) {
+    void *q = trv_realloc(*pp, (n ? n : 1) * sizeof(T));
+    if (q == nullptr) return 1001;
+    *pp = static_cast<T *>(q);
+    return 0;
+}
+/* Test hook: the n-th allocation from now fails (n >= 1); 0 switches it off. */
+void trv_alloc_failat(long n);
+long trv_alloc_count(void);
+char *trv_strdup(const char *s);
+
+/* ---- parameters --------------------------------------------------------- */
+
+enum { PAR_INT = 1, PAR_DBL = 2, PAR_STR = 3 };
+enum { PAR_LP = 0, PAR_MIP = 1, PAR_BAR = 2, PAR_QP = 3, PAR_NET = 4, PAR_NFAM = 5 };
+#define PAR_SLOTS 72
+#define PAR_STRLEN 512
+
+union par_value {
+    int i;
+    double d;
+};
+
+/* One family's block. Only the LP block uses logfile and str; the LP, MIP
+ * and network blocks hold the family's progress callback. The default,
+ * minimum and maximum tables have the same shape as the current block. */
+struct par_block {
+    FILE *logfile;
+    TRVcallbackfunc cbfunc;
+    void *cbhandle;
+    par_value v[PAR_SLOTS];
+    char str[PAR_STRLEN];
+};
+
+/* ---- channels ----------------------------------------------------------- */
+
+struct chan_dest {
+    TRVchannel channel;
+    int kind; /* 1 file, 2 indirect file, 3 function */
+    chan_dest *next;
+    FILE *file;
+    FILE **fileslot;
+    void *handle;
+    TRVmsgfunc function;
+};
+
+struct trvchannel_rec {
+    chan_dest *head;
+};
+
+int TRVmsg(TRVchannel channel, const char *format, ...)
+    __attribute__((format(printf, 2, 3)));
+int trv_vmsg(TRVchannel channel, const char *format, va_list ap);
+bool channel_hasfile(TRVchannel channel, FILE *file);
+void channel_screen(TRVenv env, int on);
+
+/* ---- environment -------------------------------------------------------- */
+
+enum { OWN_PROBLEM = 1, OWN_CHANNEL = 2, OWN_CLONE = 3, OWN_NETWORK = 4 };
+
+struct own_node {
+    int kind;
+    void *object;
+    own_node *next;
+};
+
+#define ERRHASH_SIZE 479
+
+struct trvenv_rec {
+    trvenv_rec *self;
+    int nparchild;
+    trvenv_rec **parchild;
+    par_block *cur[PAR_NFAM];
+    par_block *def[PAR_NFAM];
+    par_block *min[PAR_NFAM];
+    par_block *max[PAR_NFAM];
+    TRVchannel errchannel, warnchannel, reschannel, logchannel;
+    trvenv_rec *parent;
+    int nclones;
+    int threadnum;
+    unsigned randseed;
+    char rownamebuf[17];
+    char colnamebuf[23];
+    char msgbuf[1024];
+    int errhash[ERRHASH_SIZE];
+    int maxthreads;
+    own_node *ownedhead;
+    int owning;
+    const char *version;
+    TRVnamefunc rownamefn, colnamefn;
+    void *namefnhandle;
+};
+
+bool env_valid(TRVenv env);
+void env_report(TRVenv env, int *status);
+const char *env_errfmt(TRVenv env, int code);
+/* Prints the message of code, formatted with the arguments, on the error
+ * channel and returns -code (the message is out: see env_report). */
+int env_error(TRVenv env, int code, ...);
+int env_own(TRVenv env, int kind, void *object);
+void env_disown(TRVenv env, int kind, void *object);
+int env_random(TRVenv env);
+double env_randomd(TRVenv env);
+int env_ncpu(int limit);
+double env_time(TRVenv env);
+bool range_check(TRVenv env, const char *fname, int begin, int end, int low,
+                 int count);
+/* Default names: variables "x%d", constraints "c%d" (index + 1). */
+const char *env_varname(TRVenv env, char **names, int count, int index);
+const char *env_conname(TRVenv env, char **names, int count, int index);
+
+#define TRV_MAXTHREADS 64
+
+/* ---- parameter access for the library's own code ------------------------ */
+
+int par_int(TRVenv env, int num);
+double par_dbl(TRVenv env, int num);
+const char *par_str(TRVenv env);
+void par_fill_tables(TRVenv env);
+void par_setdefaults(TRVenv env);
+void par_copy(TRVenv dst, TRVenv src);
+void errhash_build(int *hash);
+
+/* ---- problems: implemented in the store ---------------------------------- */
+
+bool lp_valid(TRVlp lp);
+bool lp_resolve(TRVlp *lp);
+
+#endif

@@ -1,0 +1,123 @@
+/*
+ * lp.h - the problem record. The outer handle (trvlp_rec) carries the
+ * problem's type, solution status and one pointer per solver's state; the
+ * inner lp_data holds rows, columns, the column-wise matrix with spare room,
+ * bounds and names, always in the computational form: a ranged row has an
+ * explicit range column after the structurals, and each 'L' or 'G' row an
+ * implicit slack.
+ */
+#ifndef TRV_STORE_LP_H
+#define TRV_STORE_LP_H
+
+#include "frame/trv.h"
+
+#define TRV_INF 1.0e20      /* stored value of an infinite bound */
+#define TRV_INFTEST 1.0e17  /* input at or beyond this is infinite */
+
+enum { MEM_LOAD = 1, MEM_COPY = 2 };
+enum {
+    PROB_LP = 0, PROB_MIP = 1, PROB_RELAXED = 2, PROB_FIXED = 3,
+    PROB_NETSUB = 4, PROB_QP = 5, PROB_ZEROEDQP = 6
+};
+enum { KIND_INF = 0, KIND_FINITE = 1, KIND_ZERO = 2 };
+
+/* Records of later subsystems that hang off the handle. Each module that
+ * defines one also frees it in lp_free_records. */
+struct start_rec;       /* advanced start: stored basis and values */
+struct soln_rec;        /* the solution of the last optimisation */
+struct lu_record;       /* factorization of the current basis */
+struct solver_rec;      /* common simplex working record */
+struct primal_state;    /* primal simplex state */
+struct dual_state;      /* dual simplex state */
+struct norm_rec;        /* pricing norms */
+struct sens_rec;        /* sensitivity and quality results */
+struct presolve_record; /* presolve */
+struct mipctl;          /* MIP */
+struct bar_rec;         /* barrier */
+struct qp_rec;          /* quadratic part */
+struct cache_rec;       /* pending additions */
+
+struct lp_data {
+    char *probname;
+    int nrows, ncols, nrims;
+    int rowspace, colspace, rimspace, nzspace, rimnzspace;
+    int rownamespace, colnamespace, rimnamespace;
+    int objsen;
+    double *obj;
+    double *rhs;
+    char *sense;
+    char *dataname, *objname, *rhsname, *rngname, *bndname;
+    char **rowname, **colname, **rimname;
+    char *rownamestore, *colnamestore, *rimnamestore;
+    int *matbeg, *matcnt, *matind;
+    double *matval;
+    double *lb, *ub;
+    double *lbsave, *ubsave;
+    double *rngval;
+    int *freerowind, *rimtype, *rimbeg, *rimcnt, *rimind;
+    double *rimval;
+    char *ctype;
+    int nstruct;    /* columns including the range columns */
+    int ntotal;     /* nstruct + implicit slacks */
+    int ntotalcopy; /* kept in step with ntotal by the simplex */
+    int *colend;    /* matbeg + matcnt, for the solvers' inner loops */
+    signed char *lowerkind, *upperkind; /* KIND_INF, KIND_FINITE, KIND_ZERO */
+    int notsimple;
+    int nfreerows;
+    int *slackrow;     /* row of each implicit slack */
+    double *slackval;  /* +1 for an 'L' row, -1 for a 'G' row */
+    int scaletype;     /* -1 none yet */
+    double *rowscale, *colscale;           /* active scaling, or null */
+    double *rowscalestore, *colscalestore; /* owned scale arrays */
+    int matdirty;
+    double fillfac_a, fillfac_b; /* working copies of 1033 and 1005 */
+    double tol_opt, tol_feas, tol_opt2, tol_feas2; /* 1050, 1049 copies */
+    int updatecap, updatecap2;
+    cache_rec *cache;
+};
+
+struct trvlp_rec {
+    trvlp_rec *self;
+    trvlp_rec *me;
+    int reserved_a;
+    void *baseblock;
+    int stat;
+    int probtype;
+    int memmodel;
+    lp_data *lpdata;
+    start_rec *start;
+    void *startaux;
+    soln_rec *soln;
+    lu_record *factor;
+    solver_rec *solver;
+    primal_state *primal;
+    void *dataptrs[4];
+    dual_state *dual;
+    norm_rec *pnorms;
+    norm_rec *dnorms;
+    sens_rec *sensdata;
+    presolve_record *presolve;
+    mipctl *mip;
+    trvlp_rec *relaxed;
+    trvlp_rec *workcopy;
+    bar_rec *barrier;
+    qp_rec *qp;
+};
+
+/* Computational form and capacities. */
+int lp_rebuild(TRVenv env, TRVlp lp);
+int lp_slacks(TRVenv env, TRVlp lp);
+void lp_setsimple(TRVlp lp);
+void lp_kinds(lp_data *d);
+int lp_ensure(TRVenv env, TRVlp lp, int cols, int rows, int nz,
+              long colnamebytes, long rownamebytes);
+void lp_compress(lp_data *d);
+void lp_updatecap(TRVenv env, lp_data *d);
+void lp_free_records(TRVenv env, TRVlp lp);
+int lp_check_matrix(TRVenv env, int numcols, int numrows, const int *matbeg,
+                    const int *matcnt, const int *matind);
+
+/* Change notification: drops what a change of the given code makes stale. */
+void invalidate(TRVenv env, TRVlp lp, int code);
+
+#endif
