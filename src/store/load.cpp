@@ -376,9 +376,7 @@ static void lp_destroy(TRVenv env, TRVlp lp) {
     lp_free_records(env, lp);
     lp_data_free(&lp->lpdata, lp->memmodel);
     trv_free(&lp->baseblock);
-    lp->self = lp->me = nullptr;
-    lp->reserved_a = 0;
-    trv_free(&lp);
+    trv_handle_free(lp, sizeof *lp);
 }
 
 TRV_EXPORT int TRVfreeprob(TRVenv env, TRVlp *lp_p) {
@@ -491,10 +489,11 @@ static TRVlp lp_build(TRVenv env, const load_args &a, int *status_p) {
         if (status == 0) status = check_sense(env, a.numrows, a.sense);
     }
     if (status == 0) {
-        lp = trv_zalloc<trvlp_rec>(1);
+        lp = static_cast<TRVlp>(trv_handle_alloc(sizeof(trvlp_rec)));
         lp_data *d = lp ? trv_zalloc<lp_data>(1) : nullptr;
         if (d == nullptr) {
-            trv_free(&lp);
+            trv_handle_free(lp, sizeof(trvlp_rec));
+            lp = nullptr;
             status = 1001;
         } else {
             lp->self = lp->me = lp;
