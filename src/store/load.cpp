@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "store/lp.h"
+#include "simplex/lu.h"
 
 /* ---- handle checks ------------------------------------------------------- */
 
@@ -323,6 +324,9 @@ void lp_free_records(TRVenv env, TRVlp lp) {
     trv_free(&lp->dataptrs[2]);
     trv_free(&lp->dataptrs[3]);
     trv_free(&lp->startaux);
+    /* the simplex core: factorization and working LP (Parts 4.1, 4.2) */
+    lu_free(lp);
+    simplex_free(lp);
 }
 
 static void lp_data_free(lp_data **dp, int memmodel) {
