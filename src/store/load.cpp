@@ -324,7 +324,7 @@ void lp_free_records(TRVenv env, TRVlp lp) {
     trv_free(&lp->dataptrs[2]);
     trv_free(&lp->dataptrs[3]);
     trv_free(&lp->startaux);
-    /* the simplex core: factorization and working LP (Parts 4.1, 4.2) */
+    /* the simplex core: factorization and working LP */
     lu_free(lp);
     simplex_free(lp);
 }
