@@ -945,7 +945,7 @@ int check_repeats(lp_state *st, const read_model *m) {
 }
 
 int assemble_sets(lp_state *st, read_model *m) {
-    if (P.nsos == 0 || m->ctype == nullptr) return 0;
+    if (P.nsos == 0) return 0;
     m->numsos = P.nsos;
     m->numsosnz = P.nsosnz;
     m->sostype = st->sostype, st->sostype = nullptr;
@@ -1044,7 +1044,7 @@ static int lp_export(TRVenv env, const char *filename, int want, const rm_out *o
     std::memset(&m, 0, sizeof m);
     if (status == 0) status = lp_read(env, filename, want, &m);
     const char *source = filename != nullptr ? filename : "<stdin>";
-    if (status == 0 && !(want & RM_INTS) && m.nints > 0)
+    if (status == 0 && !(want & RM_INTS) && (m.nints > 0 || m.numsos > 0))
         TRVmsg(env->warnchannel, "Problem %s contains integer variable declarations, ignored.\n",
                source);
     if (status == 0 && !(want & RM_QUAD) && m.nquad > 0)
