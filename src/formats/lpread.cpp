@@ -470,7 +470,7 @@ int bound_column(lp_state *st, const char *b, int len) {
     int n = len > RW_NAMELEN ? RW_NAMELEN : len;
     std::memcpy(tok, b, n);
     tok[n] = '\0';
-    if (len == 0 || !(cls_of(st, b[0]) & LPC_NAME) || exponent_like(b, len)) {
+    if (len > 0 && (!(cls_of(st, b[0]) & LPC_NAME) || exponent_like(b, len))) {
         TRVmsg(st->env->warnchannel, "Line %d: '%s' not valid identifier.\n", st->lineno, tok);
         return -1;
     }
