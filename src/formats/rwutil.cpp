@@ -411,12 +411,23 @@ static int readcopy_apply(TRVenv env, TRVlp lp, read_model *m) {
     if (m->nquad > 0)
         TRVmsg(env->warnchannel,
                "Problem contains quadratic objective coefficients, ignored.\n");
+    /* the objective's name is taken first, so that no failure can come
+     * after the model has been replaced */
+    char *objname = nullptr;
+    if (m->objname != nullptr) {
+        objname = trv_strdup(m->objname);
+        if (objname == nullptr) return 1001;
+    }
     int status = TRVcopylpwnames(env, lp, m->ncols, m->nrows, m->objsen, m->obj,
                                  m->rhs, m->sense, m->matbeg, m->matcnt, m->matind,
                                  m->matval, m->lb, m->ub, m->rngval, m->colname,
                                  m->rowname);
-    if (status == 0 && m->objname != nullptr)
-        status = TRVcopyobjname(env, lp, m->objname);
+    if (status == 0 && objname != nullptr) {
+        trv_free(&lp->lpdata->objname);
+        lp->lpdata->objname = objname;
+        objname = nullptr;
+    }
+    trv_free(&objname);
     return -status; /* the copy has reported */
 }
 
