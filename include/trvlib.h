@@ -670,6 +670,97 @@ TRVAPI int TRVgetprobname(TRVenv env, TRVlp lp, char *buf, int bufspace,
 TRVAPI int TRVgetobjname(TRVenv env, TRVlp lp, char *buf, int bufspace,
                          int *surplus_p);
 
+/* ---- model changes ----------------------------------------------------- */
+
+/* Additions. Null arrays take defaults: objective 0, bounds 0 and
+ * +infinity, right-hand side 0, sense 'E', range 0, names "x<j+1>" and
+ * "c<i+1>" where the model has names. A library-owned problem collects
+ * additions and merges them at the next query that hands out data;
+ * TRVcompletelp merges at once. */
+TRVAPI int TRVnewcols(TRVenv env, TRVlp lp, int ccnt, const double *obj,
+                      const double *lb, const double *ub, const char *ctype,
+                      char **colname);
+TRVAPI int TRVnewrows(TRVenv env, TRVlp lp, int rcnt, const double *rhs,
+                      const char *sense, const double *rngval, char **rowname);
+/* ccnt new empty columns first, then rcnt rows whose entries (rmatbeg,
+ * rmatind, rmatval) may refer to them. */
+TRVAPI int TRVaddrows(TRVenv env, TRVlp lp, int ccnt, int rcnt, int nzcnt,
+                      const double *rhs, const char *sense, const int *rmatbeg,
+                      const int *rmatind, const double *rmatval, char **colname,
+                      char **rowname);
+TRVAPI int TRVaddcols(TRVenv env, TRVlp lp, int ccnt, int nzcnt,
+                      const double *obj, const int *cmatbeg, const int *cmatind,
+                      const double *cmatval, const double *lb, const double *ub,
+                      char **colname);
+/* Deletions. delstat has an entry per row (column); non-zero marks one for
+ * deletion. On return it holds each one's new index, or -1. */
+TRVAPI int TRVdelrows(TRVenv env, TRVlp lp, int begin, int end);
+TRVAPI int TRVdelsetrows(TRVenv env, TRVlp lp, int *delstat);
+TRVAPI int TRVdelcols(TRVenv env, TRVlp lp, int begin, int end);
+TRVAPI int TRVdelsetcols(TRVenv env, TRVlp lp, int *delstat);
+/* Entry (i, j) of the matrix; i = -1 is the objective, j = -1 the
+ * right-hand side and j = -2 the range of row i. A zero removes an entry. */
+TRVAPI int TRVchgcoef(TRVenv env, TRVlp lp, int i, int j, double newvalue);
+TRVAPI int TRVchgcoeflist(TRVenv env, TRVlp lp, int numcoefs,
+                          const int *rowlist, const int *collist,
+                          const double *vallist);
+/* lu: 'L' lower, 'U' upper, 'B' both. A bound at or beyond 1e17 in size is
+ * infinite; an infinite bound on the wrong side is ignored with a
+ * warning. TRVtightenbds changes the bounds in the simplex's working copy
+ * too, so that its basis stays in use. */
+TRVAPI int TRVchgbds(TRVenv env, TRVlp lp, int cnt, const int *indices,
+                     const char *lu, const double *bd);
+TRVAPI int TRVtightenbds(TRVenv env, TRVlp lp, int cnt, const int *indices,
+                         const char *lu, const double *bd);
+TRVAPI int TRVchgobj(TRVenv env, TRVlp lp, int cnt, const int *indices,
+                     const double *values);
+TRVAPI int TRVchgrhs(TRVenv env, TRVlp lp, int cnt, const int *indices,
+                     const double *values);
+TRVAPI int TRVchgrngval(TRVenv env, TRVlp lp, int cnt, const int *indices,
+                        const double *values);
+TRVAPI int TRVchgsense(TRVenv env, TRVlp lp, int cnt, const int *indices,
+                       const char *sense);
+/* maxormin: 1 minimise, -1 maximise. */
+TRVAPI int TRVchgobjsen(TRVenv env, TRVlp lp, int maxormin);
+TRVAPI int TRVchgprobname(TRVenv env, TRVlp lp, const char *probname);
+/* key 'c' for column ij, 'r' for row ij. */
+TRVAPI int TRVchgname(TRVenv env, TRVlp lp, int key, int ij,
+                      const char *name);
+TRVAPI int TRVchgcolname(TRVenv env, TRVlp lp, int cnt, const int *indices,
+                         char **newname);
+TRVAPI int TRVchgrowname(TRVenv env, TRVlp lp, int cnt, const int *indices,
+                         char **newname);
+/* Drops all row and column names. */
+TRVAPI int TRVdelnames(TRVenv env, TRVlp lp);
+/* Free rows: rows without a constraint, kept with their entries. A row made
+ * free leaves the rows (the others renumber as after a deletion); freeind,
+ * if given, receives the free-row index each one got. A free row made a
+ * row again comes last among the rows. TRVchgfreecoef sets entries of free
+ * rows; a zero removes one. */
+TRVAPI int TRVchgtofreerow(TRVenv env, TRVlp lp, int cnt, const int *indices,
+                           int *freeind);
+TRVAPI int TRVchgfromfreerow(TRVenv env, TRVlp lp, int cnt,
+                             const int *indices, const double *rhs,
+                             const char *sense, const double *rngval);
+TRVAPI int TRVchgfreecoef(TRVenv env, TRVlp lp, int cnt, const int *freeind,
+                          const int *colind, const double *val);
+/* Room left in the problem's arrays; null pointers are skipped. */
+TRVAPI int TRVgetspace(TRVenv env, TRVlp lp, int *colfree_p, int *rowfree_p,
+                       int *nzfree_p, int *colnamefree_p, int *rownamefree_p);
+
+/* The cache of pending additions, for modelling layers: the record, and
+ * appends to it that skip the checks of the data check switch. */
+TRVAPI void *TRVEgetCache(TRVlp lp);
+TRVAPI int TRVEcacheNewCols(TRVenv env, TRVlp lp, int ccnt, const double *obj,
+                            const double *lb, const double *ub,
+                            const char *ctype, char **colname);
+TRVAPI int TRVEcacheNewRows(TRVenv env, TRVlp lp, int rcnt, const double *rhs,
+                            const char *sense, const double *rngval,
+                            char **rowname);
+TRVAPI int TRVEcacheNewNZsByNZ(TRVenv env, TRVlp lp, int cnt,
+                               const int *rowind, const int *colind,
+                               const double *val);
+
 #ifdef __cplusplus
 }
 #endif

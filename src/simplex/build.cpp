@@ -202,5 +202,6 @@ int simplex_build(TRVenv env, TRVlp lp) {
     int status = build_lp(env, lp->lpdata, &r->splp);
     if (status == 0) status = build_iter(env, &r->splp, &r->it);
     if (status != 0) simplex_free(lp);
+    if (status == 0) r->ready = r->ready2 = 1;
     return status;
 }

@@ -72,6 +72,10 @@ struct solver_rec {
     /* the running driver's answers to TRVgetcallbackinfo (objective,
      * infeasibilities, phase): 0, 1003 or 1006 */
     int (*cbinfo)(TRVlp lp, int wherefrom, int whichinfo, void *result);
+    /* 1 while the working LP (ready) and the values of the iteration state
+     * (ready2) agree with the model; a change that keeps the basis clears
+     * them, and the record is refreshed from the model before it is used */
+    int ready, ready2;
 };
 
 /* Builds lp->solver from the model: working LP with unit scale and a slack

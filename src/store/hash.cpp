@@ -222,6 +222,8 @@ static int name_index(TRVenv env, TRVlp lp, const char *name, int *index_p,
     int status = 0;
     if (!lp_resolve(&lp)) {
         status = 1009;
+    } else if ((status = lp_flush(env, lp, 1)) != 0) {
+        /* the merge of pending additions failed */
     } else if (name == nullptr || index_p == nullptr) {
         status = 1004;
     } else {

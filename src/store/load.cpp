@@ -70,10 +70,10 @@ int lp_rebuild(TRVenv env, TRVlp lp) {
         d->matval[nzend] = -1.0;
         nzend++;
         d->obj[j] = 0.0;
-        if (d->colscale != nullptr && d->rowscalestore != nullptr) {
+        /* under a scaling the stored range is already divided by the
+         * row's factor, which is the range column's bound as it stands */
+        if (d->colscale != nullptr && d->rowscalestore != nullptr)
             d->colscalestore[j] = 1.0 / d->rowscalestore[i];
-            r *= d->colscalestore[j];
-        }
         d->lb[j] = r >= 0 ? 0.0 : r;
         d->ub[j] = r >= 0 ? r : 0.0;
         if (d->ctype != nullptr) d->ctype[j] = 'C';
@@ -342,7 +342,7 @@ static void lp_data_free(lp_data **dp, int memmodel) {
     trv_free(&d->rowscalestore);
     trv_free(&d->colscalestore);
     trv_free(&d->probname);
-    trv_free(&d->cache);
+    cache_free(&d->cache);
     if (memmodel == MEM_COPY) {
         trv_free(&d->freerowind);
         trv_free(&d->rimtype);
@@ -727,6 +727,7 @@ TRV_EXPORT int TRVcopylpwnames(TRVenv env, TRVlp lp, int numcols, int numrows,
     }
     invalidate(env, lp, 16);
     lp_data *d = lp->lpdata;
+    cache_free(&d->cache); /* pending additions belonged to the old model */
     int nranged = 0, nzend = 0;
     for (int i = 0; i < numrows; i++) nranged += sense[i] == 'R';
     for (int j = 0; j < numcols; j++)
@@ -824,6 +825,7 @@ TRV_EXPORT TRVlp TRVcloneprob(TRVenv env, TRVlp lp, int *status_p) {
         return nullptr;
     }
     if (!lp_resolve(&lp)) status = 1009;
+    if (status == 0) status = lp_flush(env, lp, 1);
     if (status == 0) {
         lp_data *s = lp->lpdata;
         copy = TRVcreateprob(env, &status, s->probname);
@@ -873,7 +875,7 @@ TRV_EXPORT TRVlp TRVcloneprob(TRVenv env, TRVlp lp, int *status_p) {
 TRV_EXPORT int TRVcompletelp(TRVenv env, TRVlp lp) {
     if (!env_valid(env)) return 1002;
     int status = lp_resolve(&lp) ? 0 : 1009;
-    /* Pending additions are merged here once the cache holds any. */
+    if (status == 0) status = lp_flush(env, lp, 1);
     if (status != 0) env_report(env, &status);
     return status;
 }

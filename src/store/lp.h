@@ -120,4 +120,17 @@ int lp_check_matrix(TRVenv env, int numcols, int numrows, const int *matbeg,
 /* Change notification: drops what a change of the given code makes stale. */
 void invalidate(TRVenv env, TRVlp lp, int code);
 
+/* Pending additions (cache.cpp): the merge, raising the change codes when
+ * raise is set; the merge once the pending counts outgrow the model. */
+int lp_flush(TRVenv env, TRVlp lp, int raise);
+int lp_cachehigh(TRVenv env, TRVlp lp);
+void cache_free(cache_rec **cache);
+/* Pending columns (what 0), rows (1) or nonzeros (2). */
+int lp_cachecount(const cache_rec *cache, int what);
+
+/* The solution record and the primal state, as a change sees them: the
+ * solution marked stale (free_it 0) or freed, the primal state freed. */
+void soln_invalidate(TRVlp lp, int free_it);
+void primal_free(TRVlp lp);
+
 #endif

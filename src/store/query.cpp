@@ -16,14 +16,32 @@ static lp_data *query_data(TRVenv env, TRVlp lp) {
     return lp->lpdata;
 }
 
+/* Frame of a query that hands out data: pending additions are merged
+ * first. A failed merge reports and counts as 0. */
+static lp_data *merged_data(TRVenv env, TRVlp lp) {
+    if (!env_valid(env)) return nullptr;
+    int status = lp_resolve(&lp) ? lp_flush(env, lp, 1) : 1009;
+    if (status != 0) {
+        env_report(env, &status);
+        return nullptr;
+    }
+    return lp->lpdata;
+}
+
+/* The counts include pending additions without merging them. */
+static int pending(const lp_data *d, int what) {
+    if (d->cache == nullptr) return 0;
+    return lp_cachecount(d->cache, what);
+}
+
 TRV_EXPORT int TRVgetnumcols(TRVenv env, TRVlp lp) {
     lp_data *d = query_data(env, lp);
-    return d ? d->ncols : 0;
+    return d ? d->ncols + pending(d, 0) : 0;
 }
 
 TRV_EXPORT int TRVgetnumrows(TRVenv env, TRVlp lp) {
     lp_data *d = query_data(env, lp);
-    return d ? d->nrows : 0;
+    return d ? d->nrows + pending(d, 1) : 0;
 }
 
 TRV_EXPORT int TRVgetnumnz(TRVenv env, TRVlp lp) {
@@ -31,7 +49,7 @@ TRV_EXPORT int TRVgetnumnz(TRVenv env, TRVlp lp) {
     if (d == nullptr) return 0;
     int nz = 0;
     for (int j = 0; j < d->ncols; j++) nz += d->matcnt[j];
-    return nz;
+    return nz + pending(d, 2);
 }
 
 TRV_EXPORT int TRVgetprobtype(TRVenv env, TRVlp lp) {
@@ -46,8 +64,8 @@ TRV_EXPORT int TRVgetprobtype(TRVenv env, TRVlp lp) {
 
 TRV_EXPORT int TRVgetstat(TRVenv env, TRVlp lp) {
     if (!env_valid(env)) return 0;
-    if (!lp_valid(lp)) {
-        int status = 1009;
+    int status = lp_valid(lp) ? lp_flush(env, lp, 1) : 1009;
+    if (status != 0) {
         env_report(env, &status);
         return 0;
     }
@@ -62,7 +80,11 @@ TRV_EXPORT int TRVgetstat(TRVenv env, TRVlp lp) {
         return d ? (expr) : 0;                      \
     }
 
-SCALAR_GETTER(TRVgetnumrims, d->nrims)
+TRV_EXPORT int TRVgetnumrims(TRVenv env, TRVlp lp) {
+    lp_data *d = merged_data(env, lp);
+    return d ? d->nrims : 0;
+}
+
 SCALAR_GETTER(TRVgetnumfreerows, d->nfreerows)
 SCALAR_GETTER(TRVgetobjsen, d->objsen)
 SCALAR_GETTER(TRVgetcolspace, d->colspace)
@@ -100,6 +122,8 @@ static lp_data *range_frame(TRVenv env, TRVlp lp, const char *fname,
         *status = 1009;
         return nullptr;
     }
+    *status = lp_flush(env, lp, 1);
+    if (*status != 0) return nullptr;
     lp_data *d = lp->lpdata;
     int count = count_kind == 0 ? d->ncols : count_kind == 1 ? d->nrows
               : count_kind == 2 ? d->nfreerows : d->nrims;
@@ -203,7 +227,7 @@ TRV_EXPORT int TRVgetcoef(TRVenv env, TRVlp lp, int i, int j, double *coef_p) {
     int st = 0;
     if (!lp_resolve(&lp)) {
         st = 1009;
-    } else {
+    } else if ((st = lp_flush(env, lp, 1)) == 0) {
         lp_data *d = lp->lpdata;
         if (!range_check(env, "TRVgetcoef", i, i, 0, d->nrows) ||
             !range_check(env, "TRVgetcoef", j, j, 0, d->ncols)) {
@@ -351,8 +375,8 @@ static int names_out(TRVenv env, char **names, const char *fname, int count,
 TRV_EXPORT int TRVgetcolname(TRVenv env, TRVlp lp, char **name, char *namestore,
                              int storespace, int *surplus_p, int begin, int end) {
     if (!env_valid(env)) return 1002;
-    int st = 1009;
-    if (lp_resolve(&lp)) {
+    int st = lp_resolve(&lp) ? lp_flush(env, lp, 1) : 1009;
+    if (st == 0) {
         lp_data *d = lp->lpdata;
         st = names_out(env, d->colname, "TRVgetcname", d->ncols, name, namestore,
                        storespace, surplus_p, begin, end);
@@ -363,8 +387,8 @@ TRV_EXPORT int TRVgetcolname(TRVenv env, TRVlp lp, char **name, char *namestore,
 TRV_EXPORT int TRVgetrowname(TRVenv env, TRVlp lp, char **name, char *namestore,
                              int storespace, int *surplus_p, int begin, int end) {
     if (!env_valid(env)) return 1002;
-    int st = 1009;
-    if (lp_resolve(&lp)) {
+    int st = lp_resolve(&lp) ? lp_flush(env, lp, 1) : 1009;
+    if (st == 0) {
         lp_data *d = lp->lpdata;
         st = names_out(env, d->rowname, "TRVgetrname", d->nrows, name, namestore,
                        storespace, surplus_p, begin, end);
