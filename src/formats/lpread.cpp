@@ -201,16 +201,16 @@ int end_row(lp_state *st, double rhs) {
 
 /* ---- expressions -------------------------------------------------------------- */
 
+/* True when [p, end) starts with a number: a sign, then a digit or a point
+ * and a digit. */
+bool number_ahead(const lp_state *st, const char *p, const char *end) {
+    if (p < end && (cls_of(st, *p) & LPC_SIGN)) p++;
+    if (p < end && *p == '.') p++;
+    return p < end && (cls_of(st, *p) & LPC_DIGIT);
+}
+
 int read_rhs(lp_state *st, const char **pp, const char *end) {
-    const char *b = *pp;
-    bool digit = false;
-    for (const char *q = b; q < end && !(cls_of(st, *q) & LPC_SENSE); q++)
-        if (cls_of(st, *q) & LPC_DIGIT) {
-            digit = true;
-            break;
-        }
-    if (!digit || !(cls_of(st, *b) & LPC_NUM) || *b == 'e' || *b == 'E')
-        return env_error(st->env, 1610, st->lineno);
+    if (!number_ahead(st, *pp, end)) return env_error(st->env, 1610, st->lineno);
     double v;
     int status = read_coef(st, pp, end, &v);
     if (status != 0) return status;
@@ -453,7 +453,9 @@ int bound_sense(const lp_state *st, const char **pp, const char *end) {
 }
 
 int bound_value(lp_state *st, const char **pp, const char *end, double *v) {
-    if (*pp == end) return env_error(st->env, 1623, st->lineno);
+    const char *p = *pp;
+    if (p < end && (cls_of(st, *p) & LPC_SIGN)) p++;
+    if (p == end || (cls_of(st, *p) & LPC_SENSE)) return env_error(st->env, 1623, st->lineno);
     const char *stop;
     int status = lp_bound_number(st, *pp, end, v, &stop);
     if (status != 0) return status;

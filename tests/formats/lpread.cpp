@@ -225,9 +225,15 @@ INSTANTIATE_TEST_SUITE_P(
         BadLp{"min: x\nbounds\n x\nend\n", 1621, "Line 3: No bound sense"},
         BadLp{"min: x\nbounds\n x <> 3\nend\n", 1622, "Line 3: Invalid bound sense"},
         BadLp{"min: x\nbounds\n x <=\nend\n", 1623, "Line 3: Missing bound number"},
+        BadLp{"min: x\nbounds\n x <= -\nend\n", 1623, "Line 3: Missing bound number"},
+        BadLp{"min: x\nbounds\n + <= x\nend\n", 1623, "Line 3: Missing bound number"},
+        BadLp{"min: x\nst\n x >= +y\nend\n", 1610, "Line 3: Expected RHS coefficient"},
         BadLp{"min: x\nbounds\n x <= 3y\nend\n", 1434, "Line 3: Couldn't convert '3y' to a number"},
         BadLp{"min: x\nsos\n s: S3:: x:1\nend\n", 1442, "Line 3: Unrecognized SOS type: S3"},
-        BadLp{"min: x\nsos\n S1:: x 1\nend\n", 1607, "Line 3: Expected operator, found '1'"}));
+        BadLp{"min: x\nsos\n S1:: x 1\nend\n", 1607, "Line 3: Expected operator, found '1'"}),
+    [](const ::testing::TestParamInfo<BadLp> &info) {
+        return "Code" + std::to_string(info.param.code) + "_" + std::to_string(info.index);
+    });
 
 /* Reads "text" as standard input through lp_read with a null name. */
 static int read_stdin(Read &r, const std::string &text) {

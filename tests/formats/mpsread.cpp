@@ -345,7 +345,10 @@ INSTANTIATE_TEST_SUITE_P(
         BadMps{"NAME\nROWS\n N o\nCOLUMNS\n    x o 1\nBOUNDS\nFOO\n", 1475,
                "Line 7: Unrecognized section indicator.\n      Expecting QMATRIX or ENDATA"},
         BadMps{"NAME\nROWS\n N o\nCOLUMNS\n    x o 1\nSOS\nFOO\n", 1462,
-               "Line 7: Unrecognized section indicator.\n      Expecting ENDATA"}));
+               "Line 7: Unrecognized section indicator.\n      Expecting ENDATA"}),
+    [](const ::testing::TestParamInfo<BadMps> &info) {
+        return "Code" + std::to_string(info.param.code) + "_" + std::to_string(info.index);
+    });
 
 TEST(MpsRead, OutOfOrderSectionIsSkippedWithAWarning) {
     Read r;
