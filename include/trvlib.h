@@ -479,6 +479,12 @@ TRVAPI int TRVsetnetcallbackfunc(TRVenv env, TRVcallbackfunc func,
                                  void *handle);
 TRVAPI int TRVgetnetcallbackfunc(TRVenv env, TRVcallbackfunc *func_p,
                                  void **handle_p);
+/* Progress figures inside a callback: cbdata and wherefrom as the callback
+ * received them; result_p points to an int or a double by whichinfo.
+ * 1003 for a wherefrom outside 1-7 and 101-111 or a whichinfo unknown at
+ * that place, 1006 outside a running optimiser. */
+TRVAPI int TRVgetcallbackinfo(TRVenv env, void *cbdata, int wherefrom,
+                              int whichinfo, void *result_p);
 
 /* ---- problem creation and loading --------------------------------------- */
 
@@ -617,6 +623,52 @@ TRVAPI int TRVlpqread(TRVenv env, const char *filename, int *numcols_p,
     int *colspace_p, int *rowspace_p, int *nzspace_p, int *colnamespace_p,
     int *rownamespace_p, char **ctype_p, int **qmatbeg_p, int **qmatcnt_p,
     int **qmatind_p, double **qmatval_p, int *qnzspace_p);
+
+TRVAPI int TRVgetnumrims(TRVenv env, TRVlp lp);
+TRVAPI int TRVgetnumfreerows(TRVenv env, TRVlp lp);
+TRVAPI int TRVgetnumfreerownz(TRVenv env, TRVlp lp);
+TRVAPI int TRVgetnumrimnz(TRVenv env, TRVlp lp);
+TRVAPI int TRVgetobjsen(TRVenv env, TRVlp lp);
+TRVAPI int TRVgetcolspace(TRVenv env, TRVlp lp);
+TRVAPI int TRVgetrowspace(TRVenv env, TRVlp lp);
+TRVAPI int TRVgetnzspace(TRVenv env, TRVlp lp);
+TRVAPI int TRVgetrimspace(TRVenv env, TRVlp lp);
+TRVAPI int TRVgetrimnzspace(TRVenv env, TRVlp lp);
+TRVAPI int TRVgetcolnamespace(TRVenv env, TRVlp lp);
+TRVAPI int TRVgetrownamespace(TRVenv env, TRVlp lp);
+TRVAPI int TRVgetrimnamespace(TRVenv env, TRVlp lp);
+
+/* Range getters copy entries begin..end; begin > end copies nothing. */
+TRVAPI int TRVgetobj(TRVenv env, TRVlp lp, double *obj, int begin, int end);
+TRVAPI int TRVgetrhs(TRVenv env, TRVlp lp, double *rhs, int begin, int end);
+TRVAPI int TRVgetsense(TRVenv env, TRVlp lp, char *sense, int begin, int end);
+TRVAPI int TRVgetlb(TRVenv env, TRVlp lp, double *lb, int begin, int end);
+TRVAPI int TRVgetub(TRVenv env, TRVlp lp, double *ub, int begin, int end);
+TRVAPI int TRVgetrngval(TRVenv env, TRVlp lp, double *rngval, int begin,
+                        int end);
+TRVAPI int TRVgetfreerowind(TRVenv env, TRVlp lp, int *freerowind, int begin,
+                            int end);
+TRVAPI int TRVgetrimtype(TRVenv env, TRVlp lp, int *rimtype, int begin,
+                         int end);
+TRVAPI int TRVgetcoef(TRVenv env, TRVlp lp, int i, int j, double *coef_p);
+
+/* Matrix and name getters: with space 0 and a surplus pointer they probe
+ * the size silently (*surplus_p = -needed, result 1207); otherwise a
+ * negative *surplus_p tells how much room was missing. */
+TRVAPI int TRVgetcols(TRVenv env, TRVlp lp, int *nzcnt_p, int *cmatbeg,
+                      int *cmatind, double *cmatval, int cmatspace,
+                      int *surplus_p, int begin, int end);
+TRVAPI int TRVgetrows(TRVenv env, TRVlp lp, int *nzcnt_p, int *rmatbeg,
+                      int *rmatind, double *rmatval, int rmatspace,
+                      int *surplus_p, int begin, int end);
+TRVAPI int TRVgetcolname(TRVenv env, TRVlp lp, char **name, char *namestore,
+                         int storespace, int *surplus_p, int begin, int end);
+TRVAPI int TRVgetrowname(TRVenv env, TRVlp lp, char **name, char *namestore,
+                         int storespace, int *surplus_p, int begin, int end);
+TRVAPI int TRVgetprobname(TRVenv env, TRVlp lp, char *buf, int bufspace,
+                          int *surplus_p);
+TRVAPI int TRVgetobjname(TRVenv env, TRVlp lp, char *buf, int bufspace,
+                         int *surplus_p);
 
 #ifdef __cplusplus
 }

@@ -97,17 +97,16 @@ static void env_teardown(TRVenv env) {
     static const int order[PAR_NFAM] = {PAR_LP, PAR_MIP, PAR_NET, PAR_BAR, PAR_QP};
     for (int f : order) trv_free(&env->cur[f]);
     env->self = nullptr;
-    trv_free(&env);
+    trv_handle_free(env, sizeof *env);
 }
 
 /* Builds an environment by the steps of open; null with *status set. */
 static TRVenv env_build(int *status) {
-    TRVenv env = static_cast<TRVenv>(trv_malloc(sizeof(trvenv_rec)));
+    TRVenv env = static_cast<TRVenv>(trv_handle_alloc(sizeof(trvenv_rec)));
     if (env == nullptr) {
         *status = 1001;
         return nullptr;
     }
-    std::memset(env, 0, sizeof *env);
     env->self = env;
     env->randseed = 1;
     env->version = trv_version_text;
@@ -134,7 +133,7 @@ static TRVenv env_build(int *status) {
         if (env->cur[PAR_LP] == nullptr) {
             /* not yet a valid handle: free by hand */
             for (int f = 0; f < PAR_NFAM; f++) trv_free(&env->cur[f]);
-            trv_free(&env);
+            trv_handle_free(env, sizeof *env);
         } else {
             env_teardown(env);
         }

@@ -41,6 +41,9 @@ template <class T> inline int trv_grow(T **pp, size_t n) {
 void trv_alloc_failat(long n);
 long trv_alloc_count(void);
 char *trv_strdup(const char *s);
+/* Zeroed handle records that are recycled rather than freed. */
+void *trv_handle_alloc(size_t size);
+void trv_handle_free(void *rec, size_t size);
 
 /* ---- parameters --------------------------------------------------------- */
 

@@ -159,3 +159,47 @@ double env_time(TRVenv) {
     static const clk::time_point origin = clk::now();
     return std::chrono::duration<double>(clk::now() - origin).count();
 }
+
+/* Handle records (environments, problems) are recycled, never returned to
+ * the system: a stale handle then points at a zeroed record whose self word
+ * no longer matches, and the call frame refuses it instead of reading freed
+ * memory. The first word of a parked record stays zero; the second links the
+ * free list. */
+#include <mutex>
+
+namespace {
+struct handle_pool {
+    size_t size;
+    void *head;
+};
+std::mutex pool_lock;
+handle_pool pools[4];
+}  // namespace
+
+void *trv_handle_alloc(size_t size) {
+    {
+        std::lock_guard<std::mutex> g(pool_lock);
+        for (handle_pool &p : pools) {
+            if (p.size != size || p.head == nullptr) continue;
+            void *rec = p.head;
+            p.head = static_cast<void **>(rec)[1];
+            std::memset(rec, 0, size);
+            return rec;
+        }
+    }
+    return trv_calloc(1, size);
+}
+
+void trv_handle_free(void *rec, size_t size) {
+    if (rec == nullptr) return;
+    std::memset(rec, 0, size);
+    std::lock_guard<std::mutex> g(pool_lock);
+    for (handle_pool &p : pools) {
+        if (p.size == 0) p.size = size;
+        if (p.size != size) continue;
+        static_cast<void **>(rec)[1] = p.head;
+        p.head = rec;
+        return;
+    }
+    trv_free_block(rec); /* more record sizes than pools: plain free */
+}

@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "store/lp.h"
+#include "simplex/lu.h"
 
 /* ---- handle checks ------------------------------------------------------- */
 
@@ -323,6 +324,9 @@ void lp_free_records(TRVenv env, TRVlp lp) {
     trv_free(&lp->dataptrs[2]);
     trv_free(&lp->dataptrs[3]);
     trv_free(&lp->startaux);
+    /* the simplex core: factorization and working LP */
+    lu_free(lp);
+    simplex_free(lp);
 }
 
 static void lp_data_free(lp_data **dp, int memmodel) {
@@ -376,9 +380,7 @@ static void lp_destroy(TRVenv env, TRVlp lp) {
     lp_free_records(env, lp);
     lp_data_free(&lp->lpdata, lp->memmodel);
     trv_free(&lp->baseblock);
-    lp->self = lp->me = nullptr;
-    lp->reserved_a = 0;
-    trv_free(&lp);
+    trv_handle_free(lp, sizeof *lp);
 }
 
 TRV_EXPORT int TRVfreeprob(TRVenv env, TRVlp *lp_p) {
@@ -491,10 +493,11 @@ static TRVlp lp_build(TRVenv env, const load_args &a, int *status_p) {
         if (status == 0) status = check_sense(env, a.numrows, a.sense);
     }
     if (status == 0) {
-        lp = trv_zalloc<trvlp_rec>(1);
+        lp = static_cast<TRVlp>(trv_handle_alloc(sizeof(trvlp_rec)));
         lp_data *d = lp ? trv_zalloc<lp_data>(1) : nullptr;
         if (d == nullptr) {
-            trv_free(&lp);
+            trv_handle_free(lp, sizeof(trvlp_rec));
+            lp = nullptr;
             status = 1001;
         } else {
             lp->self = lp->me = lp;

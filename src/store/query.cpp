@@ -1,6 +1,8 @@
 /*
  * query.cpp - model queries: counts, type and status.
  */
+#include <cstring>
+
 #include "store/lp.h"
 
 /* Frame of a count query: a bad handle reports and counts as 0. */
@@ -50,4 +52,355 @@ TRV_EXPORT int TRVgetstat(TRVenv env, TRVlp lp) {
         return 0;
     }
     return lp->stat;
+}
+
+/* ---- scalar getters --------------------------------------------------- */
+
+#define SCALAR_GETTER(fname, expr)                  \
+    TRV_EXPORT int fname(TRVenv env, TRVlp lp) {    \
+        lp_data *d = query_data(env, lp);           \
+        return d ? (expr) : 0;                      \
+    }
+
+SCALAR_GETTER(TRVgetnumrims, d->nrims)
+SCALAR_GETTER(TRVgetnumfreerows, d->nfreerows)
+SCALAR_GETTER(TRVgetobjsen, d->objsen)
+SCALAR_GETTER(TRVgetcolspace, d->colspace)
+SCALAR_GETTER(TRVgetrowspace, d->rowspace)
+SCALAR_GETTER(TRVgetnzspace, d->nzspace)
+SCALAR_GETTER(TRVgetrimspace, d->rimspace)
+SCALAR_GETTER(TRVgetrimnzspace, d->rimnzspace)
+SCALAR_GETTER(TRVgetcolnamespace, d->colnamespace)
+SCALAR_GETTER(TRVgetrownamespace, d->rownamespace)
+SCALAR_GETTER(TRVgetrimnamespace, d->rimnamespace)
+
+static int rim_nz(const lp_data *d, int from, int to) {
+    int nz = 0;
+    if (d->rimcnt != nullptr)
+        for (int k = from; k < to; k++) nz += d->rimcnt[k];
+    return nz;
+}
+
+SCALAR_GETTER(TRVgetnumfreerownz, rim_nz(d, 0, d->nfreerows))
+SCALAR_GETTER(TRVgetnumrimnz, rim_nz(d, d->nfreerows, d->nrims))
+
+/* ---- range getters ------------------------------------------------------ */
+
+/* Frame of a range getter: handle, range and array. Null on failure with
+ * *status set (negative when the message is out). */
+static lp_data *range_frame(TRVenv env, TRVlp lp, const char *fname,
+                            const void *array, int begin, int end, int count_kind,
+                            int *status) {
+    *status = 0;
+    if (!env_valid(env)) {
+        *status = 1002;
+        return nullptr;
+    }
+    if (!lp_resolve(&lp)) {
+        *status = 1009;
+        return nullptr;
+    }
+    lp_data *d = lp->lpdata;
+    int count = count_kind == 0 ? d->ncols : count_kind == 1 ? d->nrows
+              : count_kind == 2 ? d->nfreerows : d->nrims;
+    if (begin > end) return d; /* an empty range writes nothing */
+    if (!range_check(env, fname, begin, end, 0, count)) {
+        *status = 1200;
+        return nullptr;
+    }
+    if (array == nullptr) {
+        *status = 1004;
+        return nullptr;
+    }
+    return d;
+}
+
+enum { OVER_COLS = 0, OVER_ROWS = 1, OVER_FREEROWS = 2, OVER_RIMS = 3 };
+
+static int range_done(TRVenv env, int status) {
+    if (status != 0) env_report(env, &status);
+    return status;
+}
+
+TRV_EXPORT int TRVgetobj(TRVenv env, TRVlp lp, double *obj, int begin, int end) {
+    int st;
+    lp_data *d = range_frame(env, lp, "TRVgetobj", obj, begin, end, OVER_COLS, &st);
+    for (int j = begin; d && j <= end; j++)
+        obj[j - begin] = d->colscale ? d->obj[j] * d->colscale[j] : d->obj[j];
+    return range_done(env, st);
+}
+
+TRV_EXPORT int TRVgetrhs(TRVenv env, TRVlp lp, double *rhs, int begin, int end) {
+    int st;
+    lp_data *d = range_frame(env, lp, "TRVgetrhs", rhs, begin, end, OVER_ROWS, &st);
+    for (int i = begin; d && i <= end; i++)
+        rhs[i - begin] = d->rowscale ? d->rhs[i] * d->rowscale[i] : d->rhs[i];
+    return range_done(env, st);
+}
+
+TRV_EXPORT int TRVgetsense(TRVenv env, TRVlp lp, char *sense, int begin, int end) {
+    int st;
+    lp_data *d = range_frame(env, lp, "TRVgetsense", sense, begin, end, OVER_ROWS, &st);
+    for (int i = begin; d && i <= end; i++) sense[i - begin] = d->sense[i];
+    return range_done(env, st);
+}
+
+static double unscale_bound(const lp_data *d, int j, double v) {
+    if (d->colscale == nullptr || v == TRV_INF || v == -TRV_INF) return v;
+    return v / d->colscale[j];
+}
+
+TRV_EXPORT int TRVgetlb(TRVenv env, TRVlp lp, double *lb, int begin, int end) {
+    int st;
+    lp_data *d = range_frame(env, lp, "TRVgetlb", lb, begin, end, OVER_COLS, &st);
+    for (int j = begin; d && j <= end; j++) lb[j - begin] = unscale_bound(d, j, d->lb[j]);
+    return range_done(env, st);
+}
+
+TRV_EXPORT int TRVgetub(TRVenv env, TRVlp lp, double *ub, int begin, int end) {
+    int st;
+    lp_data *d = range_frame(env, lp, "TRVgetub", ub, begin, end, OVER_COLS, &st);
+    for (int j = begin; d && j <= end; j++) ub[j - begin] = unscale_bound(d, j, d->ub[j]);
+    return range_done(env, st);
+}
+
+TRV_EXPORT int TRVgetrngval(TRVenv env, TRVlp lp, double *rngval, int begin, int end) {
+    int st;
+    lp_data *d = range_frame(env, lp, "TRVgetrngval", rngval, begin, end, OVER_ROWS, &st);
+    if (d && begin <= end && d->rngval == nullptr) {
+        st = 1216;
+        d = nullptr;
+    }
+    for (int i = begin; d && i <= end; i++)
+        rngval[i - begin] = d->rowscale ? d->rngval[i] * d->rowscale[i] : d->rngval[i];
+    return range_done(env, st);
+}
+
+TRV_EXPORT int TRVgetfreerowind(TRVenv env, TRVlp lp, int *ind, int begin, int end) {
+    int st;
+    lp_data *d = range_frame(env, lp, "TRVgetfreerowind", ind, begin, end, OVER_FREEROWS, &st);
+    if (d && begin <= end && d->freerowind == nullptr) {
+        st = 1218;
+        d = nullptr;
+    }
+    for (int k = begin; d && k <= end; k++) ind[k - begin] = d->freerowind[k];
+    return range_done(env, st);
+}
+
+TRV_EXPORT int TRVgetrimtype(TRVenv env, TRVlp lp, int *type, int begin, int end) {
+    int st;
+    lp_data *d = range_frame(env, lp, "TRVgetrimtype", type, begin, end, OVER_RIMS, &st);
+    if (d && begin <= end && d->rimtype == nullptr) {
+        st = 1218;
+        d = nullptr;
+    }
+    for (int k = begin; d && k <= end; k++) type[k - begin] = d->rimtype[k];
+    return range_done(env, st);
+}
+
+TRV_EXPORT int TRVgetcoef(TRVenv env, TRVlp lp, int i, int j, double *coef_p) {
+    if (!env_valid(env)) return 1002;
+    int st = 0;
+    if (!lp_resolve(&lp)) {
+        st = 1009;
+    } else {
+        lp_data *d = lp->lpdata;
+        if (!range_check(env, "TRVgetcoef", i, i, 0, d->nrows) ||
+            !range_check(env, "TRVgetcoef", j, j, 0, d->ncols)) {
+            st = 1200;
+        } else if (coef_p == nullptr) {
+            st = 1004;
+        } else {
+            *coef_p = 0.0;
+            for (int k = d->matbeg[j]; k < d->colend[j]; k++)
+                if (d->matind[k] == i) {
+                    double v = d->matval[k];
+                    if (d->colscale) v *= d->colscale[j] * d->rowscale[i];
+                    *coef_p = v;
+                    break;
+                }
+        }
+    }
+    return range_done(env, st);
+}
+
+/* ---- matrix getters --------------------------------------------------------- */
+
+/* Shared ending of the matrix and name getters: the space convention. */
+static int space_result(int space, long total, int *nzcnt_p, int *surplus_p) {
+    long surplus = space - total;
+    if (surplus_p) *surplus_p = static_cast<int>(surplus);
+    if (surplus < 0) {
+        if (nzcnt_p) *nzcnt_p = space;
+        return 1207;
+    }
+    if (nzcnt_p) *nzcnt_p = static_cast<int>(total);
+    return 0;
+}
+
+TRV_EXPORT int TRVgetcols(TRVenv env, TRVlp lp, int *nzcnt_p, int *cmatbeg,
+                          int *cmatind, double *cmatval, int cmatspace,
+                          int *surplus_p, int begin, int end) {
+    if (nzcnt_p) *nzcnt_p = 0;
+    if (surplus_p) *surplus_p = 0;
+    int st;
+    lp_data *d = range_frame(env, lp, "TRVgetcols", &st, begin, end, OVER_COLS, &st);
+    if (d == nullptr || begin > end) return range_done(env, st);
+    long total = 0;
+    for (int j = begin; j <= end; j++) total += d->matcnt[j];
+    if (cmatspace == 0 && surplus_p != nullptr) {
+        /* a probe of the size: silent */
+        *surplus_p = static_cast<int>(-total);
+        if (cmatbeg)
+            for (int j = begin; j <= end; j++) cmatbeg[j - begin] = 0;
+        return total > 0 ? 1207 : 0;
+    }
+    if (!nzcnt_p || !cmatbeg || !cmatind || !cmatval || !surplus_p)
+        return range_done(env, 1004);
+    long k = 0;
+    for (int j = begin; j <= end; j++) {
+        cmatbeg[j - begin] = static_cast<int>(k);
+        for (int p = d->matbeg[j]; p < d->colend[j]; p++, k++) {
+            if (k >= cmatspace) continue;
+            int i = d->matind[p];
+            double v = d->matval[p];
+            if (d->colscale) v *= d->colscale[j] * d->rowscale[i];
+            cmatind[k] = i;
+            cmatval[k] = v;
+        }
+    }
+    return range_done(env, space_result(cmatspace, total, nzcnt_p, surplus_p));
+}
+
+TRV_EXPORT int TRVgetrows(TRVenv env, TRVlp lp, int *nzcnt_p, int *rmatbeg,
+                          int *rmatind, double *rmatval, int rmatspace,
+                          int *surplus_p, int begin, int end) {
+    if (nzcnt_p) *nzcnt_p = 0;
+    if (surplus_p) *surplus_p = 0;
+    int st;
+    lp_data *d = range_frame(env, lp, "TRVgetrows", &st, begin, end, OVER_ROWS, &st);
+    if (d == nullptr || begin > end) return range_done(env, st);
+    int nr = end - begin + 1;
+    int *cnt = trv_zalloc<int>(nr + 1);
+    if (cnt == nullptr) return range_done(env, 1001);
+    for (int j = 0; j < d->ncols; j++)
+        for (int p = d->matbeg[j]; p < d->colend[j]; p++) {
+            int i = d->matind[p];
+            if (i >= begin && i <= end) cnt[i - begin + 1]++;
+        }
+    for (int r = 0; r < nr; r++) cnt[r + 1] += cnt[r]; /* starts */
+    long total = cnt[nr];
+    if (rmatspace == 0 && surplus_p != nullptr) {
+        *surplus_p = static_cast<int>(-total);
+        if (rmatbeg)
+            for (int r = 0; r < nr; r++) rmatbeg[r] = 0;
+        trv_free(&cnt);
+        return total > 0 ? 1207 : 0;
+    }
+    if (!nzcnt_p || !rmatbeg || !rmatind || !rmatval || !surplus_p) {
+        trv_free(&cnt);
+        return range_done(env, 1004);
+    }
+    for (int r = 0; r < nr; r++) rmatbeg[r] = cnt[r];
+    /* columns in order, so each row's entries come out by column */
+    for (int j = 0; j < d->ncols; j++)
+        for (int p = d->matbeg[j]; p < d->colend[j]; p++) {
+            int i = d->matind[p];
+            if (i < begin || i > end) continue;
+            int k = cnt[i - begin]++;
+            if (k >= rmatspace) continue;
+            double v = d->matval[p];
+            if (d->colscale) v *= d->colscale[j] * d->rowscale[i];
+            rmatind[k] = j;
+            rmatval[k] = v;
+        }
+    trv_free(&cnt);
+    return range_done(env, space_result(rmatspace, total, nzcnt_p, surplus_p));
+}
+
+/* ---- names ---------------------------------------------------------------- */
+
+static int names_out(TRVenv env, char **names, const char *fname, int count,
+                     char **name, char *store, int storespace, int *surplus_p,
+                     int begin, int end) {
+    if (surplus_p) *surplus_p = 0;
+    if (begin > end) return 0;
+    if (!range_check(env, fname, begin, end, 0, count)) return 1200;
+    if (names == nullptr) return 1219;
+    long need = 0;
+    for (int k = begin; k <= end; k++) need += static_cast<long>(std::strlen(names[k])) + 1;
+    if (storespace == 0 && surplus_p != nullptr) {
+        *surplus_p = static_cast<int>(-need);
+        return -1207; /* a probe: silent */
+    }
+    if (!name || !store || !surplus_p) return 1004;
+    long pos = 0;
+    for (int k = begin; k <= end; k++) {
+        size_t n = std::strlen(names[k]) + 1;
+        if (pos + static_cast<long>(n) <= storespace) {
+            std::memcpy(store + pos, names[k], n);
+            name[k - begin] = store + pos;
+        } else {
+            name[k - begin] = nullptr;
+        }
+        pos += static_cast<long>(n);
+    }
+    return space_result(storespace, need, nullptr, surplus_p);
+}
+
+TRV_EXPORT int TRVgetcolname(TRVenv env, TRVlp lp, char **name, char *namestore,
+                             int storespace, int *surplus_p, int begin, int end) {
+    if (!env_valid(env)) return 1002;
+    int st = 1009;
+    if (lp_resolve(&lp)) {
+        lp_data *d = lp->lpdata;
+        st = names_out(env, d->colname, "TRVgetcname", d->ncols, name, namestore,
+                       storespace, surplus_p, begin, end);
+    }
+    return range_done(env, st);
+}
+
+TRV_EXPORT int TRVgetrowname(TRVenv env, TRVlp lp, char **name, char *namestore,
+                             int storespace, int *surplus_p, int begin, int end) {
+    if (!env_valid(env)) return 1002;
+    int st = 1009;
+    if (lp_resolve(&lp)) {
+        lp_data *d = lp->lpdata;
+        st = names_out(env, d->rowname, "TRVgetrname", d->nrows, name, namestore,
+                       storespace, surplus_p, begin, end);
+    }
+    return range_done(env, st);
+}
+
+/* One string into a caller's buffer, with the space convention. */
+static int string_out(const char *s, char *buf, int bufspace, int *surplus_p) {
+    long need = static_cast<long>(std::strlen(s)) + 1;
+    if (bufspace == 0 && surplus_p != nullptr) {
+        *surplus_p = static_cast<int>(-need);
+        return -1207;
+    }
+    if (buf == nullptr || surplus_p == nullptr) return 1004;
+    if (need <= bufspace) std::memcpy(buf, s, need);
+    return space_result(bufspace, need, nullptr, surplus_p);
+}
+
+TRV_EXPORT int TRVgetprobname(TRVenv env, TRVlp lp, char *buf, int bufspace,
+                              int *surplus_p) {
+    if (!env_valid(env)) return 1002;
+    if (surplus_p) *surplus_p = 0;
+    int st = 1009;
+    if (lp_resolve(&lp)) st = string_out(lp->lpdata->probname, buf, bufspace, surplus_p);
+    return range_done(env, st);
+}
+
+TRV_EXPORT int TRVgetobjname(TRVenv env, TRVlp lp, char *buf, int bufspace,
+                             int *surplus_p) {
+    if (!env_valid(env)) return 1002;
+    if (surplus_p) *surplus_p = 0;
+    int st = 1009;
+    if (lp_resolve(&lp)) {
+        const char *s = lp->lpdata->objname;
+        st = s == nullptr ? 1220 : string_out(s, buf, bufspace, surplus_p);
+    }
+    return range_done(env, st);
 }
