@@ -12,9 +12,7 @@
  * nonbasic structural column and of a BTRAN of a unit row (lu_btran_row),
  * the two solves of every simplex iteration.
  *
- * read_model() is the one place that reads a file; until the MPS reader of
- * MPS reader lands it is a minimal private free-format parser reading through
- * `gzip -cd`. Swap its body for TRVreadcopyprob(env, lp, path, NULL).
+ * read_model() reads each file through the library's own reader.
  */
 #include <algorithm>
 #include <chrono>
@@ -44,68 +42,7 @@ double seconds_since(clk::time_point t0) {
  * bounds are not needed for the factorization and are left at their
  * defaults (rhs 0, bounds [0, inf)). */
 int read_model(TRVenv env, TRVlp lp, const char *path) {
-    std::string cmd = std::string("gzip -cd '") + path + "'";
-    FILE *in = popen(cmd.c_str(), "r");
-    if (in == nullptr) return 1;
-    std::map<std::string, int> rowidx, colidx;
-    std::vector<char> sense;
-    std::vector<std::string> rownames, colnames;
-    std::vector<int> matbeg, matcnt, matind;
-    std::vector<double> matval;
-    std::string objrow, section, lastcol;
-    char line[1024];
-    while (std::fgets(line, sizeof line, in)) {
-        if (line[0] == '*' || line[0] == '\n') continue;
-        if (line[0] != ' ' && line[0] != '\t') {
-            char word[256] = "";
-            std::sscanf(line, "%255s", word);
-            section = word;
-            if (section == "ENDATA") break;
-            continue;
-        }
-        char f[5][256];
-        int nf = std::sscanf(line, "%255s %255s %255s %255s %255s", f[0], f[1], f[2], f[3], f[4]);
-        if (section == "ROWS" && nf >= 2) {
-            char s = f[0][0];
-            if (s == 'N') {
-                if (objrow.empty()) objrow = f[1];
-                continue;
-            }
-            rowidx[f[1]] = static_cast<int>(sense.size());
-            sense.push_back(s);
-            rownames.push_back(f[1]);
-        } else if (section == "COLUMNS" && nf >= 3) {
-            if (std::strcmp(f[1], "'MARKER'") == 0) continue;
-            if (lastcol != f[0]) {
-                lastcol = f[0];
-                colidx[f[0]] = static_cast<int>(colnames.size());
-                colnames.push_back(f[0]);
-                matbeg.push_back(static_cast<int>(matind.size()));
-                matcnt.push_back(0);
-            }
-            for (int k = 1; k + 1 < nf; k += 2) {
-                auto r = rowidx.find(f[k]);
-                if (r == rowidx.end()) continue; /* objective or free row */
-                double v = std::atof(f[k + 1]);
-                if (v == 0.0) continue;
-                matind.push_back(r->second);
-                matval.push_back(v);
-                matcnt.back()++;
-            }
-        }
-    }
-    pclose(in);
-    int m = static_cast<int>(sense.size()), n = static_cast<int>(colnames.size());
-    if (m == 0 || n == 0) return 1;
-    for (auto &s : sense)
-        if (s != 'L' && s != 'G' && s != 'E') s = 'E';
-    std::vector<double> obj(n, 0.0), lb(n, 0.0), ub(n, TRV_INFBOUND), rhs(m, 0.0);
-    std::vector<char *> cn(n), rn(m);
-    for (int j = 0; j < n; j++) cn[j] = const_cast<char *>(colnames[j].c_str());
-    for (int i = 0; i < m; i++) rn[i] = const_cast<char *>(rownames[i].c_str());
-    return TRVcopylpwnames(env, lp, n, m, 1, obj.data(), rhs.data(), sense.data(),
-                           matbeg.data(), matcnt.data(), matind.data(), matval.data(),
-                           lb.data(), ub.data(), nullptr, cn.data(), rn.data());
+    return TRVreadcopyprob(env, lp, path, nullptr);
 }
 
 /* ---- the crash basis ----------------------------------------------------------- */
