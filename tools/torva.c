@@ -75,20 +75,20 @@ static int lib_fail(TRVenv *env, TRVlp *lp, FILE *logf, int status) {
 }
 
 /* Sets parameter NUMBER=VALUE by its type; 0, or a library code. */
-static int set_param(TRVenv env, const char *spec, int *bad_usage) {
+static int set_param(TRVenv env, const char *setting, int *bad_usage) {
     char *end = NULL;
     long num;
     int ival;
     double dval;
     char sval[512];
-    const char *eq = strchr(spec, '=');
+    const char *eq = strchr(setting, '=');
     *bad_usage = 0;
-    if (eq == NULL || eq == spec) {
+    if (eq == NULL || eq == setting) {
         *bad_usage = 1;
         return 0;
     }
     errno = 0;
-    num = strtol(spec, &end, 10);
+    num = strtol(setting, &end, 10);
     if (end != eq || errno != 0 || num < -2147483647L || num > 2147483647L) {
         *bad_usage = 1;
         return 0;
