@@ -1,0 +1,443 @@
+/* The primal simplex through the public interface: outcomes of small LPs
+ * with known answers, solutions checked against the optimality conditions,
+ * limits, callbacks, the log, scaling and the solution queries' checks. */
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <string>
+
+#include "kkt.h"
+#include "model.h"
+
+namespace {
+
+struct Solved {
+    TestEnv te;
+    TRVlp lp = nullptr;
+    Solution s;
+    int rc = -1;
+    explicit Solved(const Model &md, int display = 0) {
+        TRVsetintparam(te.env, 1019, display);
+        lp = md.copy_into(te.env);
+        if (lp != nullptr) rc = solve_primal(te.env, lp, s);
+    }
+    ~Solved() {
+        if (lp != nullptr) TRVfreeprob(te.env, &lp);
+    }
+};
+
+/* max 3x + 2y, x + y <= 4, x + 3y <= 6, x <= 3 */
+Model small_max() {
+    Model md;
+    md.objsen = -1;
+    md.row('L', 4.0);
+    md.row('L', 6.0);
+    md.col(3.0, 0.0, 3.0, {{0, 1.0}, {1, 1.0}});
+    md.col(2.0, 0.0, 1e20, {{0, 1.0}, {1, 3.0}});
+    return md;
+}
+
+/* Beale's example, which cycles under the textbook rule. */
+Model beale() {
+    Model md;
+    md.row('L', 0.0);
+    md.row('L', 0.0);
+    md.row('L', 1.0);
+    md.col(-0.75, 0.0, 1e20, {{0, 0.25}, {1, 0.5}});
+    md.col(20.0, 0.0, 1e20, {{0, -8.0}, {1, -12.0}});
+    md.col(-0.5, 0.0, 1e20, {{0, -1.0}, {1, -0.5}, {2, 1.0}});
+    md.col(6.0, 0.0, 1e20, {{0, 9.0}, {1, 3.0}});
+    return md;
+}
+
+} // namespace
+
+TEST(PrimoptKnown, MaximisationReachesVertex) {
+    Model md = small_max();
+    Solved r(md);
+    ASSERT_EQ(r.rc, 0);
+    EXPECT_EQ(r.s.stat, 1);
+    EXPECT_NEAR(r.s.obj, 11.0, 1e-9); /* x = 3, y = 1 */
+    EXPECT_NEAR(r.s.x[0], 3.0, 1e-9);
+    EXPECT_NEAR(r.s.x[1], 1.0, 1e-9);
+    EXPECT_EQ(check_kkt(md, r.s), "");
+    EXPECT_EQ(TRVgetstat(r.te.env, r.lp), 1);
+    EXPECT_EQ(TRVgetmethod(r.te.env, r.lp), 1);
+}
+
+TEST(PrimoptKnown, BealeDoesNotCycle) {
+    Model md = beale();
+    Solved r(md);
+    ASSERT_EQ(r.rc, 0);
+    EXPECT_EQ(r.s.stat, 1);
+    EXPECT_NEAR(r.s.obj, -1.25, 1e-9);
+    EXPECT_EQ(check_kkt(md, r.s), "");
+}
+
+TEST(PrimoptKnown, Unbounded) {
+    Model md; /* min -x - y, x - y <= 1, x, y >= 0 */
+    md.row('L', 1.0);
+    md.col(-1.0, 0.0, 1e20, {{0, 1.0}});
+    md.col(-1.0, 0.0, 1e20, {{0, -1.0}});
+    Solved r(md);
+    ASSERT_EQ(r.rc, 0);
+    EXPECT_EQ(r.s.stat, 3);
+}
+
+TEST(PrimoptKnown, Infeasible) {
+    Model md; /* x + y <= 1, x + y >= 3 */
+    md.row('L', 1.0);
+    md.row('G', 3.0);
+    md.col(1.0, 0.0, 1e20, {{0, 1.0}, {1, 1.0}});
+    md.col(1.0, 0.0, 1e20, {{0, 1.0}, {1, 1.0}});
+    Solved r(md);
+    ASSERT_EQ(r.rc, 0);
+    EXPECT_EQ(r.s.stat, 2);
+    EXPECT_EQ(TRVgetstat(r.te.env, r.lp), 2);
+}
+
+TEST(PrimoptKnown, InfeasibleByBoundsAndEquality) {
+    Model md; /* x + y = 10 with x, y in [0, 2] */
+    md.row('E', 10.0);
+    md.col(1.0, 0.0, 2.0, {{0, 1.0}});
+    md.col(1.0, 0.0, 2.0, {{0, 1.0}});
+    Solved r(md);
+    ASSERT_EQ(r.rc, 0);
+    EXPECT_EQ(r.s.stat, 2);
+}
+
+TEST(PrimoptKnown, FreeVariables) {
+    Model md; /* min x + 2y, x + y >= 2, x - y = 0.5, x and y free */
+    md.row('G', 2.0);
+    md.row('E', 0.5);
+    md.col(1.0, -1e20, 1e20, {{0, 1.0}, {1, 1.0}});
+    md.col(2.0, -1e20, 1e20, {{0, 1.0}, {1, -1.0}});
+    Solved r(md);
+    ASSERT_EQ(r.rc, 0);
+    EXPECT_EQ(r.s.stat, 1);
+    EXPECT_NEAR(r.s.x[0], 1.25, 1e-9);
+    EXPECT_NEAR(r.s.x[1], 0.75, 1e-9);
+    EXPECT_NEAR(r.s.obj, 2.75, 1e-9);
+    EXPECT_EQ(check_kkt(md, r.s), "");
+}
+
+TEST(PrimoptKnown, FreeVariableUnbounded) {
+    Model md; /* min x - y with x - y free of rows except y <= 3 */
+    md.row('L', 3.0);
+    md.col(1.0, -1e20, 1e20, {});
+    md.col(-1.0, -1e20, 1e20, {{0, 1.0}});
+    Solved r(md);
+    ASSERT_EQ(r.rc, 0);
+    EXPECT_EQ(r.s.stat, 3);
+}
+
+TEST(PrimoptKnown, RangedRowsBothSides) {
+    /* min x - y with 1 <= x + y <= 5 (range +4) and -2 <= x - y <= 2
+     * (range given negative from the upper end) */
+    Model md;
+    md.row('R', 1.0, 4.0);
+    md.row('R', 2.0, -4.0);
+    md.col(1.0, 0.0, 10.0, {{0, 1.0}, {1, 1.0}});
+    md.col(-1.0, 0.0, 10.0, {{0, 1.0}, {1, -1.0}});
+    Solved r(md);
+    ASSERT_EQ(r.rc, 0);
+    EXPECT_EQ(r.s.stat, 1);
+    EXPECT_NEAR(r.s.obj, -2.0, 1e-9);
+    EXPECT_EQ(check_kkt(md, r.s), "");
+    /* the slack of a ranged row is rhs minus activity */
+    double ax0 = r.s.x[0] + r.s.x[1];
+    EXPECT_NEAR(r.s.slack[0], 1.0 - ax0, 1e-9);
+}
+
+TEST(PrimoptKnown, BoundedAndFixedColumns) {
+    /* min -x - 2y + z, x + y + z <= 10, x in [1, 3], y in [-2, 4], z fixed 2 */
+    Model md;
+    md.row('L', 10.0);
+    md.row('G', -5.0);
+    md.col(-1.0, 1.0, 3.0, {{0, 1.0}, {1, 1.0}});
+    md.col(-2.0, -2.0, 4.0, {{0, 1.0}, {1, -1.0}});
+    md.col(1.0, 2.0, 2.0, {{0, 1.0}});
+    Solved r(md);
+    ASSERT_EQ(r.rc, 0);
+    EXPECT_EQ(r.s.stat, 1);
+    EXPECT_NEAR(r.s.x[0], 3.0, 1e-9);
+    EXPECT_NEAR(r.s.x[1], 4.0, 1e-9);
+    EXPECT_NEAR(r.s.x[2], 2.0, 1e-12);
+    EXPECT_NEAR(r.s.obj, -9.0, 1e-9);
+    EXPECT_EQ(check_kkt(md, r.s), "");
+}
+
+TEST(PrimoptKnown, DegenerateTransportation) {
+    /* a balanced transportation problem: degenerate at many vertices */
+    Model md;
+    const double supply[3] = {20, 30, 25}, demand[3] = {10, 35, 30};
+    const double cost[3][3] = {{8, 6, 10}, {9, 12, 13}, {14, 9, 16}};
+    for (double s : supply) md.row('E', s);
+    for (double d : demand) md.row('E', d);
+    for (int a = 0; a < 3; a++)
+        for (int b = 0; b < 3; b++) md.col(cost[a][b], 0.0, 1e20, {{a, 1.0}, {3 + b, 1.0}});
+    Solved r(md);
+    ASSERT_EQ(r.rc, 0);
+    EXPECT_EQ(r.s.stat, 1);
+    EXPECT_EQ(check_kkt(md, r.s), "");
+}
+
+TEST(PrimoptLimits, IterationLimitZeroMakesNoPivot) {
+    TestEnv te;
+    TRVsetintparam(te.env, 1019, 0);
+    ASSERT_EQ(TRVsetintparam(te.env, 1020, 0), 0);
+    Model md = small_max();
+    TRVlp lp = md.copy_into(te.env);
+    ASSERT_EQ(TRVprimopt(te.env, lp), 0);
+    int stat = TRVgetstat(te.env, lp);
+    EXPECT_TRUE(stat == 5 || stat == 6) << stat;
+    EXPECT_EQ(TRVgetitcnt(te.env, lp), 0);
+    /* the values read back are those of the starting basis */
+    double x[2];
+    ASSERT_EQ(TRVgetx(te.env, lp, x, 0, 1), 0);
+    EXPECT_EQ(x[0], 0.0);
+    EXPECT_EQ(x[1], 0.0);
+    TRVfreeprob(te.env, &lp);
+}
+
+TEST(PrimoptLimits, IterationLimitInPhaseOneIsInfeasibleStatus) {
+    TestEnv te;
+    TRVsetintparam(te.env, 1019, 0);
+    TRVsetintparam(te.env, 1020, 1);
+    Model md; /* needs several phase 1 pivots */
+    md.row('G', 4.0);
+    md.row('G', 3.0);
+    md.row('E', 2.0);
+    md.col(1.0, 0.0, 1e20, {{0, 1.0}, {2, 1.0}});
+    md.col(1.0, 0.0, 1e20, {{1, 1.0}, {2, -1.0}});
+    md.col(1.0, 0.0, 1e20, {{0, 1.0}, {1, 1.0}});
+    TRVlp lp = md.copy_into(te.env);
+    ASSERT_EQ(TRVprimopt(te.env, lp), 0);
+    EXPECT_EQ(TRVgetstat(te.env, lp), 6);
+    EXPECT_EQ(TRVgetitcnt(te.env, lp), 1);
+    EXPECT_EQ(TRVgetphase1cnt(te.env, lp), 1);
+    TRVfreeprob(te.env, &lp);
+}
+
+static int stop_at_once(TRVenv, void *, int wherefrom, void *handle) {
+    int *calls = static_cast<int *>(handle);
+    (*calls)++;
+    return wherefrom == 1 ? 1 : 0;
+}
+
+TEST(PrimoptLimits, CallbackAborts) {
+    TestEnv te;
+    TRVsetintparam(te.env, 1019, 0);
+    int calls = 0;
+    TRVsetlpcallbackfunc(te.env, stop_at_once, &calls);
+    Model md = beale();
+    TRVlp lp = md.copy_into(te.env);
+    ASSERT_EQ(TRVprimopt(te.env, lp), 0);
+    int stat = TRVgetstat(te.env, lp);
+    EXPECT_TRUE(stat == 12 || stat == 13) << stat;
+    EXPECT_EQ(calls, 1);
+    TRVfreeprob(te.env, &lp);
+}
+
+TEST(PrimoptLimits, ObjectiveLimitStopsPhaseTwo) {
+    TestEnv te;
+    TRVsetintparam(te.env, 1019, 0);
+    /* maximisation: stop once the objective exceeds 1 */
+    ASSERT_EQ(TRVsetdblparam(te.env, 1026, 1.0), 0);
+    Model md = small_max();
+    TRVlp lp = md.copy_into(te.env);
+    ASSERT_EQ(TRVprimopt(te.env, lp), 0);
+    EXPECT_EQ(TRVgetstat(te.env, lp), 4);
+    double z = 0.0;
+    ASSERT_EQ(TRVgetobjval(te.env, lp, &z), 0);
+    EXPECT_GT(z, 1.0);
+    TRVfreeprob(te.env, &lp);
+}
+
+TEST(PrimoptLog, DisplayLevels) {
+    Model md = beale();
+    {
+        Solved r(md, 0);
+        EXPECT_EQ(r.te.res.find("Iteration"), std::string::npos);
+    }
+    {
+        Solved r(md, 1);
+        EXPECT_NE(r.te.res.find("\nIteration log . . .\n"), std::string::npos) << r.te.res;
+        EXPECT_NE(r.te.res.find("Iteration:     0    Objective     =            0.000000\n"),
+                  std::string::npos)
+            << r.te.res;
+    }
+    {
+        Solved r(md, 2);
+        EXPECT_NE(r.te.res.find("       In Variable           Out Variable\n"), std::string::npos)
+            << r.te.res;
+        EXPECT_NE(r.te.res.find("slack"), std::string::npos) << r.te.res;
+    }
+}
+
+TEST(PrimoptLog, PhaseOneLine) {
+    Model md;
+    md.row('G', 2.0);
+    md.col(1.0, 0.0, 1e20, {{0, 1.0}});
+    Solved r(md, 1);
+    EXPECT_NE(r.te.res.find("Iteration:     0    Infeasibility =             2.000000\n"),
+              std::string::npos)
+        << r.te.res;
+}
+
+TEST(PrimoptRandom, BoxedLpsMeetOptimalityConditions) {
+    for (unsigned seed = 1; seed <= 60; seed++) {
+        Model md = random_lp(seed, 4 + seed % 9, 3 + seed % 7);
+        Solved r(md);
+        ASSERT_EQ(r.rc, 0) << seed;
+        ASSERT_EQ(r.s.stat, 1) << "seed " << seed;
+        EXPECT_EQ(check_kkt(md, r.s), "") << "seed " << seed;
+    }
+}
+
+TEST(PrimoptRandom, EveryPricingFamilyAgrees) {
+    for (unsigned seed = 100; seed < 130; seed++) {
+        Model md = random_lp(seed, 12, 8, true);
+        double ref = 0.0;
+        int refstat = -1;
+        for (int fam = -1; fam <= 4; fam++) {
+            TestEnv te;
+            TRVsetintparam(te.env, 1019, 0);
+            ASSERT_EQ(TRVsetintparam(te.env, 1029, fam), 0);
+            TRVlp lp = md.copy_into(te.env);
+            Solution s;
+            ASSERT_EQ(solve_primal(te.env, lp, s), 0);
+            if (refstat < 0) refstat = s.stat, ref = s.obj;
+            EXPECT_EQ(s.stat, refstat) << "seed " << seed << " family " << fam;
+            if (s.stat == 1) {
+                EXPECT_NEAR(s.obj, ref, 1e-6 * (1 + std::fabs(ref))) << seed << " " << fam;
+                EXPECT_EQ(check_kkt(md, s), "") << "seed " << seed << " family " << fam;
+            }
+            TRVfreeprob(te.env, &lp);
+        }
+    }
+}
+
+TEST(PrimoptScaling, BadlyScaledModelAnswersInItsOwnUnits) {
+    for (int scheme = -1; scheme <= 1; scheme++) {
+        Model md;
+        md.row('L', 4e4);
+        md.row('G', 1e-3);
+        md.row('R', 2e-2, 5e-2);
+        md.col(-1.0, 0.0, 1e5, {{0, 1e3}, {1, 1e-4}, {2, 1e-3}});
+        md.col(-2e3, 0.0, 30.0, {{0, 2e4}, {1, 2e-3}});
+        md.col(5e-3, -1e3, 1e3, {{0, 1.0}, {2, 1e-2}});
+        TestEnv te;
+        TRVsetintparam(te.env, 1019, 0);
+        ASSERT_EQ(TRVsetintparam(te.env, 1034, scheme), 0);
+        TRVlp lp = md.copy_into(te.env);
+        Solution s;
+        ASSERT_EQ(solve_primal(te.env, lp, s), 0);
+        EXPECT_EQ(s.stat, 1) << scheme;
+        EXPECT_EQ(check_kkt(md, s, 1e-6), "") << "scheme " << scheme;
+        /* the model reads back as given */
+        double obj[3], lb[3], ub[3], rhs[3], rng[3];
+        ASSERT_EQ(TRVgetobj(te.env, lp, obj, 0, 2), 0);
+        ASSERT_EQ(TRVgetlb(te.env, lp, lb, 0, 2), 0);
+        ASSERT_EQ(TRVgetub(te.env, lp, ub, 0, 2), 0);
+        ASSERT_EQ(TRVgetrhs(te.env, lp, rhs, 0, 2), 0);
+        ASSERT_EQ(TRVgetrngval(te.env, lp, rng, 0, 2), 0);
+        for (int j = 0; j < 3; j++) {
+            EXPECT_NEAR(obj[j], md.obj[j], 1e-12 * std::fabs(md.obj[j]));
+            EXPECT_NEAR(lb[j], md.lb[j], 1e-12 * std::fabs(md.lb[j]));
+            EXPECT_NEAR(ub[j], md.ub[j], 1e-12 * std::fabs(md.ub[j]));
+        }
+        for (int i = 0; i < 3; i++) EXPECT_NEAR(rhs[i], md.rhs[i], 1e-12 * std::fabs(md.rhs[i]));
+        EXPECT_NEAR(rng[2], 5e-2, 1e-15);
+        double a = 0.0;
+        ASSERT_EQ(TRVgetcoef(te.env, lp, 1, 0, &a), 0);
+        EXPECT_NEAR(a, 1e-4, 1e-16);
+        /* unscaled again, a second solve gives the same objective */
+        ASSERT_EQ(TRVunscaleprob(te.env, lp), 0);
+        ASSERT_EQ(TRVsetintparam(te.env, 1034, -1), 0);
+        Solution s2;
+        ASSERT_EQ(solve_primal(te.env, lp, s2), 0);
+        EXPECT_NEAR(s2.obj, s.obj, 1e-7 * (1 + std::fabs(s.obj)));
+        TRVfreeprob(te.env, &lp);
+    }
+}
+
+TEST(PrimoptQueries, ChecksAndErrors) {
+    TestEnv te;
+    TRVsetintparam(te.env, 1019, 0);
+    Model md = small_max();
+    TRVlp lp = md.copy_into(te.env);
+    double v[4] = {0, 0, 0, 0};
+    /* before a solve: no solution */
+    EXPECT_EQ(TRVgetx(te.env, lp, v, 0, 1), 1217);
+    EXPECT_EQ(TRVsolution(te.env, lp, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr), 1217);
+    EXPECT_EQ(TRVgetobjval(te.env, lp, v), 1217);
+    EXPECT_EQ(TRVgetitcnt(te.env, lp), 0);
+    EXPECT_NE(te.err.find("No solution exists"), std::string::npos);
+    ASSERT_EQ(TRVprimopt(te.env, lp), 0);
+    te.clear();
+    /* ranges */
+    EXPECT_EQ(TRVgetx(te.env, lp, v, 1, 0), 1200);
+    EXPECT_EQ(TRVgetx(te.env, lp, v, -1, 1), 1200);
+    EXPECT_EQ(TRVgetx(te.env, lp, v, 0, 2), 1200);
+    EXPECT_EQ(TRVgetpi(te.env, lp, v, 0, 2), 1200);
+    EXPECT_EQ(TRVgetslack(te.env, lp, v, 2, 2), 1200);
+    EXPECT_EQ(TRVgetdj(te.env, lp, v, 0, 5), 1200);
+    EXPECT_NE(te.err.find("'end' value 2 is greater than 1"), std::string::npos) << te.err;
+    /* null pointers */
+    EXPECT_EQ(TRVgetx(te.env, lp, nullptr, 0, 1), 1004);
+    EXPECT_EQ(TRVgetobjval(te.env, lp, nullptr), 1004);
+    /* a null item of TRVsolution is skipped */
+    double z = 0.0;
+    EXPECT_EQ(TRVsolution(te.env, lp, nullptr, &z, nullptr, nullptr, nullptr, nullptr), 0);
+    EXPECT_NEAR(z, 11.0, 1e-9);
+    /* single entries */
+    EXPECT_EQ(TRVgetx(te.env, lp, v, 1, 1), 0);
+    EXPECT_NEAR(v[0], 1.0, 1e-9);
+    /* bad handles */
+    EXPECT_EQ(TRVgetx(nullptr, lp, v, 0, 1), 1002);
+    EXPECT_EQ(TRVprimopt(nullptr, lp), 1002);
+    EXPECT_EQ(TRVprimopt(te.env, nullptr), 1009);
+    EXPECT_EQ(TRVgetx(te.env, nullptr, v, 0, 1), 1009);
+    TRVlp stale = lp;
+    TRVfreeprob(te.env, &lp);
+    EXPECT_EQ(TRVgetx(te.env, stale, v, 0, 1), 1009);
+    EXPECT_EQ(TRVprimopt(te.env, stale), 1009);
+}
+
+TEST(PrimoptQueries, ModelChangeDropsSolution) {
+    TestEnv te;
+    TRVsetintparam(te.env, 1019, 0);
+    Model md = small_max();
+    TRVlp lp = md.copy_into(te.env);
+    ASSERT_EQ(TRVprimopt(te.env, lp), 0);
+    double z;
+    ASSERT_EQ(TRVgetobjval(te.env, lp, &z), 0);
+    /* a new copy of the model is a change */
+    Model m2 = beale();
+    ASSERT_EQ(TRVcopylp(te.env, lp, m2.ncols(), m2.nrows(), m2.objsen, m2.obj.data(),
+                        m2.rhs.data(), m2.sense.data(), m2.matbeg.data(), m2.matcnt.data(),
+                        m2.matind.data(), m2.matval.data(), m2.lb.data(), m2.ub.data(),
+                        m2.rngval.data()),
+              0);
+    EXPECT_EQ(TRVgetobjval(te.env, lp, &z), 1217);
+    ASSERT_EQ(TRVprimopt(te.env, lp), 0);
+    ASSERT_EQ(TRVgetobjval(te.env, lp, &z), 0);
+    EXPECT_NEAR(z, -1.25, 1e-9);
+    TRVfreeprob(te.env, &lp);
+}
+
+TEST(PrimoptQueries, EmptyAndRowlessModels) {
+    Model md; /* no rows: every column goes to its better bound */
+    md.col(1.0, -2.0, 3.0, {});
+    md.col(-1.0, -2.0, 3.0, {});
+    Solved r(md);
+    ASSERT_EQ(r.rc, 0);
+    EXPECT_EQ(r.s.stat, 1);
+    EXPECT_NEAR(r.s.obj, -5.0, 1e-12);
+    Model none;
+    Solved r2(none);
+    ASSERT_EQ(r2.rc, 0);
+    EXPECT_EQ(r2.s.stat, 1);
+    EXPECT_EQ(r2.s.obj, 0.0);
+}
