@@ -479,6 +479,12 @@ TRVAPI int TRVsetnetcallbackfunc(TRVenv env, TRVcallbackfunc func,
                                  void *handle);
 TRVAPI int TRVgetnetcallbackfunc(TRVenv env, TRVcallbackfunc *func_p,
                                  void **handle_p);
+/* Progress figures inside a callback: cbdata and wherefrom as the callback
+ * received them; result_p points to an int or a double by whichinfo.
+ * 1003 for a wherefrom outside 1-7 and 101-111 or a whichinfo unknown at
+ * that place, 1006 outside a running optimiser. */
+TRVAPI int TRVgetcallbackinfo(TRVenv env, void *cbdata, int wherefrom,
+                              int whichinfo, void *result_p);
 
 /* ---- problem creation and loading --------------------------------------- */
 

@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "store/lp.h"
+#include "simplex/lu.h"
 #include "simplex/primal.h"
 
 /* ---- handle checks ------------------------------------------------------- */
@@ -327,6 +328,9 @@ void lp_free_records(TRVenv env, TRVlp lp) {
     /* the primal simplex: its run state and the solution record */
     primal_free(lp);
     solution_free(lp);
+    /* the simplex core: factorization and working LP */
+    lu_free(lp);
+    simplex_free(lp);
 }
 
 static void lp_data_free(lp_data **dp, int memmodel) {
