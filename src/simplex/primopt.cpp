@@ -8,6 +8,7 @@
  */
 #include <cmath>
 
+#include "frame/callback.h"
 #include "simplex/primal.h"
 
 static int candidates_for(int m) {
@@ -47,9 +48,44 @@ static void load_run_parameters(TRVenv env, TRVlp lp) {
 
 /* The user's progress function; nonzero asks for a stop. */
 static int call_back(TRVenv env, TRVlp lp) {
-    TRVcallbackfunc f = env->cur[PAR_LP]->cbfunc;
-    if (f == nullptr) return 0;
-    return f(env, lp, TRV_CALLBACK_PRIMAL, env->cur[PAR_LP]->cbhandle);
+    return cb_call(env, PAR_LP, lp, TRV_CALLBACK_PRIMAL);
+}
+
+/* Sum of the dual infeasibilities of the nonbasic variables. */
+static double dual_infeas(TRVlp lp) {
+    const simplex_lp *s = &lp->solver->splp;
+    const simplex_iter *it = &lp->solver->it;
+    double sum = 0.0;
+    for (int j = 0; j < s->ntotal; j++) {
+        if (it->status[j] == 1) continue;
+        double a = primal_attract(it, j, primal_dj(lp, j));
+        if (a < 0.0) sum -= a;
+    }
+    return sum;
+}
+
+/* The figures of a running primal for TRVgetcallbackinfo. */
+static int primal_cbinfo(TRVlp lp, int wherefrom, int whichinfo, void *result) {
+    primal_state *ps = lp->primal;
+    if (wherefrom != 1 || ps == nullptr) return 1006;
+    double *r = static_cast<double *>(result);
+    switch (whichinfo) {
+    case 1:
+        *r = lp->solver->splp.sense * (ps->phase == 1 ? primal_objective(lp) : ps->objective);
+        return 0;
+    case 3:
+        if (ps->phase == 2) primal_composite(lp);
+        *r = ps->sum_inf;
+        return 0;
+    case 4:
+        *r = dual_infeas(lp);
+        return 0;
+    case 5:
+        *static_cast<int *>(result) = ps->phase - 1;
+        return 0;
+    default:
+        return 1003;
+    }
 }
 
 /* Objective limit of phase 2: status 4 once the objective, recomputed on a
@@ -173,6 +209,7 @@ int primal_opt(TRVenv env, TRVlp lp, int it_so_far, int it1_so_far,
     primal_state *ps = lp->primal;
     simplex_iter *it = &lp->solver->it;
     load_run_parameters(env, lp);
+    lp->solver->cbinfo = primal_cbinfo;
     ps->start_time = start_time;
     ps->last_elapsed_print = start_time;
     it->n_it = it_so_far;

@@ -6,8 +6,8 @@
 #include <cstring>
 #include <string>
 
-#include "kkt.h"
-#include "model.h"
+#include "support/kkt.h"
+#include "support/model.h"
 
 namespace {
 
@@ -263,7 +263,7 @@ TEST(PrimoptLog, DisplayLevels) {
     {
         Solved r(md, 1);
         EXPECT_NE(r.te.res.find("\nIteration log . . .\n"), std::string::npos) << r.te.res;
-        EXPECT_NE(r.te.res.find("Iteration:     0    Objective     =            0.000000\n"),
+        EXPECT_NE(r.te.res.find("Iteration:     0    Objective     =             0.000000\n"),
                   std::string::npos)
             << r.te.res;
     }
@@ -428,16 +428,90 @@ TEST(PrimoptQueries, ModelChangeDropsSolution) {
 }
 
 TEST(PrimoptQueries, EmptyAndRowlessModels) {
-    Model md; /* no rows: every column goes to its better bound */
-    md.col(1.0, -2.0, 3.0, {});
-    md.col(-1.0, -2.0, 3.0, {});
-    Solved r(md);
-    ASSERT_EQ(r.rc, 0);
-    EXPECT_EQ(r.s.stat, 1);
-    EXPECT_NEAR(r.s.obj, -5.0, 1e-12);
-    Model none;
-    Solved r2(none);
-    ASSERT_EQ(r2.rc, 0);
-    EXPECT_EQ(r2.s.stat, 1);
-    EXPECT_EQ(r2.s.obj, 0.0);
+    TestEnv te;
+    TRVsetintparam(te.env, 1019, 0);
+    /* no rows: every column goes to its better bound */
+    double obj[2] = {1.0, -1.0}, lb[2] = {-2.0, -2.0}, ub[2] = {3.0, 3.0};
+    double rhs[1] = {0.0}, matval[1] = {0.0};
+    char sense[1] = {'L'};
+    int matbeg[2] = {0, 0}, matcnt[2] = {0, 0}, matind[1] = {0};
+    int st = 0;
+    TRVlp lp = TRVcreateprob(te.env, &st, "rowless");
+    ASSERT_NE(lp, nullptr);
+    ASSERT_EQ(TRVcopylp(te.env, lp, 2, 0, 1, obj, rhs, sense, matbeg, matcnt, matind, matval,
+                        lb, ub, nullptr),
+              0);
+    ASSERT_EQ(TRVprimopt(te.env, lp), 0);
+    EXPECT_EQ(TRVgetstat(te.env, lp), 1);
+    double z = 0.0, x[2];
+    ASSERT_EQ(TRVgetobjval(te.env, lp, &z), 0);
+    EXPECT_NEAR(z, -5.0, 1e-12);
+    ASSERT_EQ(TRVgetx(te.env, lp, x, 0, 1), 0);
+    EXPECT_EQ(x[0], -2.0);
+    EXPECT_EQ(x[1], 3.0);
+    /* no rows and an open direction */
+    ub[1] = 1e20;
+    ASSERT_EQ(TRVcopylp(te.env, lp, 2, 0, 1, obj, rhs, sense, matbeg, matcnt, matind, matval,
+                        lb, ub, nullptr),
+              0);
+    ASSERT_EQ(TRVprimopt(te.env, lp), 0);
+    EXPECT_EQ(TRVgetstat(te.env, lp), 3);
+    TRVfreeprob(te.env, &lp);
+    /* a problem with nothing in it */
+    lp = TRVcreateprob(te.env, &st, "empty");
+    ASSERT_NE(lp, nullptr);
+    ASSERT_EQ(TRVprimopt(te.env, lp), 0);
+    EXPECT_EQ(TRVgetstat(te.env, lp), 1);
+    ASSERT_EQ(TRVgetobjval(te.env, lp, &z), 0);
+    EXPECT_EQ(z, 0.0);
+    TRVfreeprob(te.env, &lp);
+}
+
+namespace {
+struct Seen {
+    int calls = 0, last_it = -1, phase1 = 0, phase2 = 0, bad = 0;
+    double last_obj = 0.0;
+};
+int watch(TRVenv env, void *cbdata, int wherefrom, void *handle) {
+    Seen *s = static_cast<Seen *>(handle);
+    s->calls++;
+    int it = -1, ph = -1, rows = -1;
+    double obj = 0.0, inf = -1.0;
+    if (TRVgetcallbackinfo(env, cbdata, wherefrom, 7, &it) != 0) s->bad++;
+    if (TRVgetcallbackinfo(env, cbdata, wherefrom, 5, &ph) != 0) s->bad++;
+    if (TRVgetcallbackinfo(env, cbdata, wherefrom, 17, &rows) != 0) s->bad++;
+    if (TRVgetcallbackinfo(env, cbdata, wherefrom, 1, &obj) != 0) s->bad++;
+    if (TRVgetcallbackinfo(env, cbdata, wherefrom, 3, &inf) != 0) s->bad++;
+    /* a figure of the dual side is not known here */
+    double dummy;
+    if (TRVgetcallbackinfo(env, cbdata, wherefrom, 2, &dummy) != 1003) s->bad++;
+    if (it < s->last_it || rows != 3) s->bad++;
+    s->last_it = it;
+    (ph == 1 ? s->phase2 : s->phase1)++;
+    if (ph == 1 && inf > 1e-6) s->bad++;
+    s->last_obj = obj;
+    return 0;
+}
+} // namespace
+
+TEST(PrimoptLimits, CallbackSeesProgressFigures) {
+    TestEnv te;
+    TRVsetintparam(te.env, 1019, 0);
+    Seen seen;
+    TRVsetlpcallbackfunc(te.env, watch, &seen);
+    Model md; /* phase 1 first: the 'G' row is violated by the slack basis */
+    md.row('G', 2.0);
+    md.row('L', 6.0);
+    md.row('L', 5.0);
+    md.col(1.0, 0.0, 1e20, {{0, 1.0}, {1, 1.0}, {2, 2.0}});
+    md.col(-1.0, 0.0, 1e20, {{0, 1.0}, {1, 2.0}});
+    TRVlp lp = md.copy_into(te.env);
+    ASSERT_EQ(TRVprimopt(te.env, lp), 0);
+    EXPECT_EQ(TRVgetstat(te.env, lp), 1);
+    EXPECT_GT(seen.calls, 1);
+    EXPECT_EQ(seen.bad, 0) << te.err;
+    EXPECT_GT(seen.phase1, 0);
+    EXPECT_GT(seen.phase2, 0);
+    EXPECT_LE(seen.last_it, TRVgetitcnt(te.env, lp));
+    TRVfreeprob(te.env, &lp);
 }

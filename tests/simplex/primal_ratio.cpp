@@ -6,7 +6,7 @@
 
 #include <cmath>
 
-#include "model.h"
+#include "support/model.h"
 #include "simplex/primal.h"
 
 namespace {

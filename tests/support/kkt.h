@@ -55,8 +55,9 @@ inline std::string check_kkt(const Model &md, const Solution &s, double tol = 1e
         double d = sg * s.dj[j];
         bool atl = l > -1e19 && std::fabs(x - l) <= tol * scale(l);
         bool atu = u < 1e19 && std::fabs(x - u) <= tol * scale(u);
-        if (!atl && d < -tol) e << "column " << j << " dj " << s.dj[j] << " with room to rise; ";
-        if (!atu && d > tol) e << "column " << j << " dj " << s.dj[j] << " with room to fall; ";
+        /* a minimisation: dj >= 0 unless the column can fall, <= 0 unless it can rise */
+        if (!atu && d < -tol) e << "column " << j << " dj " << s.dj[j] << " with room to rise; ";
+        if (!atl && d > tol) e << "column " << j << " dj " << s.dj[j] << " with room to fall; ";
     }
     for (int i = 0; i < m; i++) {
         double r = md.rhs[i], a = ax[i], sl = s.slack[i], p = sg * s.pi[i];
