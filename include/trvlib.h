@@ -538,6 +538,91 @@ TRVAPI int TRVgetnumrows(TRVenv env, TRVlp lp);
 TRVAPI int TRVgetnumnz(TRVenv env, TRVlp lp);
 TRVAPI int TRVgetprobtype(TRVenv env, TRVlp lp);
 TRVAPI int TRVgetstat(TRVenv env, TRVlp lp);
+/* 0 with the index; 1210 (not reported) and index -1 when the name is not
+ * there. */
+TRVAPI int TRVgetrowindex(TRVenv env, TRVlp lp, const char *name,
+                          int *index_p);
+TRVAPI int TRVgetcolindex(TRVenv env, TRVlp lp, const char *name,
+                          int *index_p);
+
+/* ---- model files ---------------------------------------------------------- */
+
+/* filetype: "LP", "MPS", "PAR", "SAV" (any case) or null for the suffix of
+ * the name; names ending in .gz or .Z are read through gzip. */
+TRVAPI int TRVreadcopyprob(TRVenv env, TRVlp lp, const char *filename,
+                           const char *filetype);
+TRVAPI int TRVwriteprob(TRVenv env, TRVlp lp, const char *filename,
+                        const char *filetype);
+
+/* The readers hand out arrays that the caller frees with TRVfree. A null
+ * out-pointer declines an optional array; the counts, objsen, the
+ * objective, rhs, sense, matrix and bounds are required. The file name of
+ * the LP readers may be null: the model is then typed on standard input. */
+TRVAPI int TRVmpsread(TRVenv env, const char *filename, int *numcols_p,
+    int *numrows_p, int *numrims_p, int *objsen_p, double **obj_p,
+    double **rhs_p, char **sense_p, int **matbeg_p, int **matcnt_p,
+    int **matind_p, double **matval_p, double **lb_p, double **ub_p,
+    double **rngval_p, int **freerowind_p, int **rimtype_p, int **rimbeg_p,
+    int **rimcnt_p, int **rimind_p, double **rimval_p, char **dataname_p,
+    char **objname_p, char **rhsname_p, char **rngname_p, char **bndname_p,
+    char ***colname_p, char **colnamestore_p, char ***rowname_p,
+    char **rownamestore_p, char ***rimname_p, char **rimnamestore_p,
+    int *colspace_p, int *rowspace_p, int *nzspace_p, int *rimspace_p,
+    int *rimnzspace_p, int *colnamespace_p, int *rownamespace_p,
+    int *rimnamespace_p);
+TRVAPI int TRVmpsmread(TRVenv env, const char *filename, int *numcols_p,
+    int *numrows_p, int *numrims_p, int *objsen_p, double **obj_p,
+    double **rhs_p, char **sense_p, int **matbeg_p, int **matcnt_p,
+    int **matind_p, double **matval_p, double **lb_p, double **ub_p,
+    double **rngval_p, int **freerowind_p, int **rimtype_p, int **rimbeg_p,
+    int **rimcnt_p, int **rimind_p, double **rimval_p, char **dataname_p,
+    char **objname_p, char **rhsname_p, char **rngname_p, char **bndname_p,
+    char ***colname_p, char **colnamestore_p, char ***rowname_p,
+    char **rownamestore_p, char ***rimname_p, char **rimnamestore_p,
+    int *colspace_p, int *rowspace_p, int *nzspace_p, int *rimspace_p,
+    int *rimnzspace_p, int *colnamespace_p, int *rownamespace_p,
+    int *rimnamespace_p, char **ctype_p, int *numsos_p, int *numsosnz_p,
+    char **sostype_p, int **sosbeg_p, int **sosind_p, double **sosref_p);
+TRVAPI int TRVmpsqread(TRVenv env, const char *filename, int *numcols_p,
+    int *numrows_p, int *numrims_p, int *objsen_p, double **obj_p,
+    double **rhs_p, char **sense_p, int **matbeg_p, int **matcnt_p,
+    int **matind_p, double **matval_p, double **lb_p, double **ub_p,
+    double **rngval_p, int **freerowind_p, int **rimtype_p, int **rimbeg_p,
+    int **rimcnt_p, int **rimind_p, double **rimval_p, char **dataname_p,
+    char **objname_p, char **rhsname_p, char **rngname_p, char **bndname_p,
+    char ***colname_p, char **colnamestore_p, char ***rowname_p,
+    char **rownamestore_p, char ***rimname_p, char **rimnamestore_p,
+    int *colspace_p, int *rowspace_p, int *nzspace_p, int *rimspace_p,
+    int *rimnzspace_p, int *colnamespace_p, int *rownamespace_p,
+    int *rimnamespace_p, char **ctype_p, int *numsos_p, int *numsosnz_p,
+    char **sostype_p, int **sosbeg_p, int **sosind_p, double **sosref_p,
+    int **qmatbeg_p, int **qmatcnt_p, int **qmatind_p, double **qmatval_p,
+    int *qnzspace_p);
+TRVAPI int TRVlpread(TRVenv env, const char *filename, int *numcols_p,
+    int *numrows_p, int *objsen_p, double **obj_p, double **rhs_p,
+    char **sense_p, int **matbeg_p, int **matcnt_p, int **matind_p,
+    double **matval_p, double **lb_p, double **ub_p, double **rngval_p,
+    char **objname_p, char **rhsname_p, char ***colname_p,
+    char **colnamestore_p, char ***rowname_p, char **rownamestore_p,
+    int *colspace_p, int *rowspace_p, int *nzspace_p, int *colnamespace_p,
+    int *rownamespace_p);
+TRVAPI int TRVlpmread(TRVenv env, const char *filename, int *numcols_p,
+    int *numrows_p, int *objsen_p, double **obj_p, double **rhs_p,
+    char **sense_p, int **matbeg_p, int **matcnt_p, int **matind_p,
+    double **matval_p, double **lb_p, double **ub_p, double **rngval_p,
+    char **objname_p, char **rhsname_p, char ***colname_p,
+    char **colnamestore_p, char ***rowname_p, char **rownamestore_p,
+    int *colspace_p, int *rowspace_p, int *nzspace_p, int *colnamespace_p,
+    int *rownamespace_p, char **ctype_p);
+TRVAPI int TRVlpqread(TRVenv env, const char *filename, int *numcols_p,
+    int *numrows_p, int *objsen_p, double **obj_p, double **rhs_p,
+    char **sense_p, int **matbeg_p, int **matcnt_p, int **matind_p,
+    double **matval_p, double **lb_p, double **ub_p, double **rngval_p,
+    char **objname_p, char **rhsname_p, char ***colname_p,
+    char **colnamestore_p, char ***rowname_p, char **rownamestore_p,
+    int *colspace_p, int *rowspace_p, int *nzspace_p, int *colnamespace_p,
+    int *rownamespace_p, char **ctype_p, int **qmatbeg_p, int **qmatcnt_p,
+    int **qmatind_p, double **qmatval_p, int *qnzspace_p);
 
 TRVAPI int TRVgetnumrims(TRVenv env, TRVlp lp);
 TRVAPI int TRVgetnumfreerows(TRVenv env, TRVlp lp);

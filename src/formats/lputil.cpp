@@ -1,0 +1,287 @@
+/*
+ * lputil.cpp - character classes, the line reader and the keywords of the
+ * LP reader.
+ *
+ * The line reader gives the parser compact lines: white space is dropped,
+ * so that a token ends only at a delimiter, except in the integer and set
+ * lists where one blank is kept between words. A line longer than the
+ * buffer is broken before its last sign, which is where an expression may
+ * continue on a new line anyway.
+ */
+#include <cctype>
+#include <cstring>
+
+#include "formats/lputil.h"
+
+void lp_classes(unsigned short *cls) {
+    std::memset(cls, 0, 256 * sizeof *cls);
+    for (int c = 'a'; c <= 'z'; c++) cls[c] |= LPC_NAME;
+    for (int c = 'A'; c <= 'Z'; c++) cls[c] |= LPC_NAME;
+    for (const char *p = "!\"#$%&'(),;?@_`{|}~/"; *p; p++)
+        cls[static_cast<unsigned char>(*p)] |= LPC_NAME;
+    for (int c = 128; c <= 251; c++) cls[c] |= LPC_NAME;
+    for (const char *p = "<=>"; *p; p++) cls[static_cast<unsigned char>(*p)] |= LPC_SENSE;
+    for (const char *p = "0123456789+-.eE"; *p; p++)
+        cls[static_cast<unsigned char>(*p)] |= LPC_NUM;
+    cls['e'] |= LPC_EXP;
+    cls['E'] |= LPC_EXP;
+    for (int c = 0; c < 256; c++)
+        if (cls[c] & (LPC_NAME | LPC_SENSE | LPC_NUM)) cls[c] |= LPC_OK;
+    for (const char *p = ":*[]^ \t"; *p; p++) cls[static_cast<unsigned char>(*p)] |= LPC_OK;
+    cls[0] |= LPC_EOL;
+    for (const char *p = "\n\f\r\\"; *p; p++) cls[static_cast<unsigned char>(*p)] |= LPC_EOL;
+    for (int c = '0'; c <= '9'; c++) cls[c] |= LPC_DIGIT;
+    cls['+'] |= LPC_SIGN;
+    cls['-'] |= LPC_SIGN;
+    for (int c = 0; c < 256; c++)
+        if (std::isspace(c)) cls[c] |= LPC_SPACE;
+    cls[' '] |= LPC_SPACE;
+    cls['\t'] |= LPC_SPACE;
+    for (const char *p = " \t:<=>+-*[]^"; *p; p++)
+        cls[static_cast<unsigned char>(*p)] |= LPC_DELIM;
+    for (int c = 0; c < 256; c++)
+        if (cls[c] & LPC_EOL) cls[c] |= LPC_DELIM;
+    for (const char *p = "*[]^"; *p; p++) cls[static_cast<unsigned char>(*p)] |= LPC_QUAD;
+}
+
+/* ---- keywords ------------------------------------------------------------------- */
+
+static bool word_eq(const char *word, int len, const char *lower) {
+    if (static_cast<int>(std::strlen(lower)) != len) return false;
+    for (int i = 0; i < len; i++)
+        if (std::tolower(static_cast<unsigned char>(word[i])) != lower[i]) return false;
+    return true;
+}
+
+/* A prefix of full of at least min characters. */
+static bool word_prefix(const char *word, int len, const char *full, int min) {
+    if (len < min || len > static_cast<int>(std::strlen(full))) return false;
+    for (int i = 0; i < len; i++)
+        if (std::tolower(static_cast<unsigned char>(word[i])) != full[i]) return false;
+    return true;
+}
+
+static int kw_sense(const char *w, int len, bool allowmin) {
+    if (allowmin && word_prefix(w, len, "minimize", 3)) return LPS_MIN;
+    if (word_prefix(w, len, "maximize", 3)) return LPS_MAX;
+    return 0;
+}
+
+static int kw_rows(const char *w, int len) {
+    static const char *const st[] = {"st", "st.", "s.t", "s.t.", "subjectto", "suchthat"};
+    for (const char *k : st)
+        if (word_eq(w, len, k)) return LPS_ROWS;
+    if (word_eq(w, len, "usercuts")) return LPS_CUTS;
+    if (word_eq(w, len, "lazyconstraints")) return LPS_LAZY;
+    return 0;
+}
+
+static int kw_ints(const char *w, int len) {
+    static const struct {
+        const char *word;
+        int code;
+    } words[] = {{"int", LPS_INT},      {"ints", LPS_INT},     {"integer", LPS_INT},
+                 {"integers", LPS_INT}, {"bin", LPS_BIN},      {"bins", LPS_BIN},
+                 {"binary", LPS_BIN},   {"binaries", LPS_BIN}, {"gen", LPS_GEN},
+                 {"gens", LPS_GEN},     {"general", LPS_GEN},  {"generals", LPS_GEN},
+                 {"semi", LPS_SEMI},    {"semis", LPS_SEMI},   {"semi-continuous", LPS_SEMI}};
+    for (const auto &k : words)
+        if (word_eq(w, len, k.word)) return k.code;
+    return 0;
+}
+
+int lp_keyword(const char *w, int len, int state) {
+    int code = 0;
+    bool senses = state <= LPS_MAX, rows = senses || (state >= LPS_ROWS && state <= LPS_LAZY);
+    bool bounds = rows || state == LPS_BOUNDS;
+    bool ints = bounds || (state >= LPS_INT && state <= LPS_SEMI);
+    bool sos = ints || state == LPS_SOS;
+    bool end = sos || state == LPS_END;
+    if (state == 3) return 0;
+    if (senses) code = kw_sense(w, len, state != LPS_MAX);
+    if (code == 0 && rows) code = kw_rows(w, len);
+    if (code == 0 && bounds && word_prefix(w, len, "bounds", 4)) code = LPS_BOUNDS;
+    if (code == 0 && ints) code = kw_ints(w, len);
+    if (code == 0 && sos && word_eq(w, len, "sos")) code = LPS_SOS;
+    if (code == 0 && end && word_eq(w, len, "end")) code = LPS_END;
+    return code;
+}
+
+/* ---- lines ---------------------------------------------------------------------- */
+
+/* Where a full buffer is broken: at the last sign from the end back to the
+ * second character, passing over a sign that belongs to an exponent or
+ * that follows a sense, which would split a number. 0 for none. */
+static int break_point(const lp_state *st, const char *b, int n) {
+    for (int i = n - 1; i >= 1; i--) {
+        if (!(st->cls[static_cast<unsigned char>(b[i])] & LPC_SIGN)) continue;
+        int k = i - 1;
+        if ((b[k] == 'e' || b[k] == 'E') && k > 0 &&
+            (st->cls[static_cast<unsigned char>(b[k - 1])] & LPC_DIGIT))
+            continue;
+        while (k > 0 && (st->cls[static_cast<unsigned char>(b[k])] & LPC_SPACE)) k--;
+        if (st->cls[static_cast<unsigned char>(b[k])] & LPC_SENSE) continue;
+        return i;
+    }
+    return 0;
+}
+
+/* Reads one physical line, or the rest of a broken one, into buf. Returns
+ * its length, 0 at the end of the file, or a negative status. */
+static int read_raw(lp_state *st, rw_input *in) {
+    int len = st->carrylen;
+    if (len > 0) std::memcpy(st->buf, st->carry, len);
+    st->carrylen = 0;
+    int got = rw_gets(in, st->buf + len, RW_LINE - len);
+    if (got == 0 && len == 0) return 0;
+    if (len == 0) st->lineno++;
+    int n = len + got;
+    bool full = n == RW_LINE - 1 && st->buf[n - 1] != '\n';
+    if (!full) return n;
+    const char *b = st->buf;
+    while (*b == ' ' || *b == '\t') b++;
+    if (word_prefix(b, 3, "end", 3)) return n;
+    int k = break_point(st, st->buf, n);
+    if (k == 0) return st->env ? env_error(st->env, 1464, st->lineno) : -1464;
+    st->carrylen = n - k;
+    std::memcpy(st->carry, st->buf + k, st->carrylen);
+    st->buf[k] = '\0';
+    return k;
+}
+
+static int unexpected_char(lp_state *st, unsigned char c) {
+    if (++st->truncwarn <= 5)
+        TRVmsg(st->env->warnchannel, "Warning, line %d: Unexpected character code %d skipped.\n",
+               st->lineno, c);
+    return 0;
+}
+
+/* Copies from p into the compact buffer up to the end of the line; a
+ * list section keeps one blank between words. A blank between a number and
+ * a following e or E is kept too: "10 E11" is ten times the variable E11,
+ * where "10E11" is a number. */
+static void compact_rest(lp_state *st, const char *p, const char *end, bool keepspace) {
+    char *out = st->cbuf + st->clen;
+    bool gap = false;
+    for (; p < end; p++) {
+        unsigned char c = static_cast<unsigned char>(*p);
+        unsigned short k = st->cls[c];
+        if (k & LPC_EOL) break;
+        if (k & LPC_SPACE) {
+            gap = true;
+            continue;
+        }
+        if (!(k & LPC_OK)) {
+            unexpected_char(st, c);
+            continue;
+        }
+        if (gap && out > st->cbuf &&
+            (keepspace || ((k & LPC_EXP) && ((st->cls[static_cast<unsigned char>(out[-1])] &
+                                              LPC_DIGIT) || out[-1] == '.'))))
+            *out++ = ' ';
+        gap = false;
+        *out++ = static_cast<char>(c);
+    }
+    *out = '\0';
+    st->clen = static_cast<int>(out - st->cbuf);
+}
+
+/* The first word of a line: up to white space, the end of line or a colon;
+ * characters that are not accepted are skipped. */
+static const char *first_word(lp_state *st, const char *p, const char *end, char *word,
+                              int *len) {
+    int n = 0;
+    for (; p < end; p++) {
+        unsigned char c = static_cast<unsigned char>(*p);
+        unsigned short k = st->cls[c];
+        if ((k & (LPC_SPACE | LPC_EOL)) || c == ':') break;
+        if (!(k & LPC_OK)) {
+            unexpected_char(st, c);
+            continue;
+        }
+        if (n < RW_LINE) word[n++] = static_cast<char>(c);
+    }
+    word[n] = '\0';
+    *len = n;
+    return p;
+}
+
+static bool two_word_head(const char *w, int len) {
+    return word_eq(w, len, "subject") || word_eq(w, len, "such") || word_eq(w, len, "user") ||
+           word_eq(w, len, "lazy");
+}
+
+int lp_getline(lp_state *st, rw_input *in) {
+    for (;;) {
+        int n = read_raw(st, in);
+        if (n < 0) return n;
+        if (n == 0) {
+            st->lineno++;
+            return LPS_EOF;
+        }
+        const char *p = st->buf, *end = st->buf + n;
+        while (p < end && (st->cls[static_cast<unsigned char>(*p)] & LPC_SPACE) &&
+               !(st->cls[static_cast<unsigned char>(*p)] & LPC_EOL))
+            p++;
+        if (p == end || (st->cls[static_cast<unsigned char>(*p)] & LPC_EOL)) continue;
+        int state = st->p.section;
+        bool keep = state == LPS_SOS || (state >= LPS_INT && state <= LPS_SEMI);
+        char word[RW_LINE + 1];
+        int wlen;
+        const char *q = first_word(st, p, end, word, &wlen);
+        int code = lp_keyword(word, wlen, state);
+        if (code == 0 && two_word_head(word, wlen)) {
+            const char *r = q;
+            while (r < end && (st->cls[static_cast<unsigned char>(*r)] & LPC_SPACE) &&
+                   !(st->cls[static_cast<unsigned char>(*r)] & LPC_EOL))
+                r++;
+            int len2;
+            char w2[RW_LINE + 1];
+            const char *r2 = first_word(st, r, end, w2, &len2);
+            if (wlen + len2 == 8 || wlen + len2 == 9 || wlen + len2 == 15) {
+                std::memcpy(word + wlen, w2, len2);
+                int c2 = lp_keyword(word, wlen + len2, state);
+                if (c2 != 0) {
+                    code = c2;
+                    q = r2;
+                }
+            }
+        }
+        st->clen = 0;
+        if (code != 0) {
+            bool keep2 = code == LPS_SOS || (code >= LPS_INT && code <= LPS_SEMI);
+            compact_rest(st, q, end, keep2);
+            return code;
+        }
+        compact_rest(st, p, end, keep);
+        return LPS_LINE;
+    }
+}
+
+int lp_bound_number(lp_state *st, const char *s, const char *end, double *v,
+                    const char **stop) {
+    const char *p = s;
+    double sign = 1.0;
+    if (p < end && (*p == '+' || *p == '-')) {
+        if (*p == '-') sign = -1.0;
+        p++;
+    }
+    const char *e = p;
+    while (e < end && !(st->cls[static_cast<unsigned char>(*e)] & LPC_DELIM)) e++;
+    if (word_eq(p, static_cast<int>(e - p), "inf") ||
+        word_eq(p, static_cast<int>(e - p), "infinity")) {
+        *v = sign * 1e20;
+        *stop = e;
+        return 0;
+    }
+    int code = rw_decimal(s, end, 0, v, stop);
+    if (code == 0) return 0;
+    char tok[RW_LINE + 1];
+    int n = static_cast<int>(e - s);
+    std::memcpy(tok, s, n);
+    tok[n] = '\0';
+    if (code == RWNUM_EXPSTART || code == RWNUM_EXPEND)
+        return env_error(st->env, 1618, st->lineno, tok,
+                         code == RWNUM_EXPSTART ? "started" : "ended");
+    return env_error(st->env, code, st->lineno, tok);
+}
