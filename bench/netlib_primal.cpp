@@ -4,6 +4,9 @@
  *
  *   netlib_primal [--small] [--peer] [name ...]
  *
+ * TRV_PARAMS="1029:1,1034:-1" sets integer parameters, TRV_DISPLAY the
+ * display level (the log then goes to the screen).
+ *
  * --small keeps the models whose peer time in the reference table is under
  * a second; --peer also runs clp. The folder comes from TRV_DATA_DIR (the
  * environment) or the build's setting. */
@@ -41,6 +44,20 @@ int main(int argc, char **argv) {
     const char *disp = std::getenv("TRV_DISPLAY");
     TRVsetintparam(env, 1019, disp ? std::atoi(disp) : 0);
     if (disp) TRVsetintparam(env, 1035, 1);
+    /* TRV_PARAMS="num:value,..." sets integer parameters for the run */
+    if (const char *pp = std::getenv("TRV_PARAMS")) {
+        std::string list = pp;
+        size_t at = 0;
+        while (at < list.size()) {
+            size_t comma = list.find(',', at);
+            std::string item = list.substr(at, comma == std::string::npos ? std::string::npos : comma - at);
+            size_t colon = item.find(':');
+            if (colon != std::string::npos)
+                TRVsetintparam(env, std::atoi(item.c_str()), std::atoi(item.c_str() + colon + 1));
+            if (comma == std::string::npos) break;
+            at = comma + 1;
+        }
+    }
     int tried = 0, agreed = 0, peer_agreed = 0;
     long its = 0, peer_its = 0;
     double secs = 0.0, peer_secs = 0.0;
