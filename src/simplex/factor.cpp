@@ -1025,8 +1025,8 @@ int lu_factor_on(lu_record *f, const simplex_lp *s, const int *head, int ncols,
         lu_release_big(f);
         return 1001;
     }
-    if (rowmap != f->rowmap) std::memcpy(rowmap, f->rowmap, m * sizeof(int));
-    if (colmap != f->colmap) std::memcpy(colmap, f->colmap, ncols * sizeof(int));
+    if (rowmap != f->rowmap && m > 0) std::memcpy(rowmap, f->rowmap, m * sizeof(int));
+    if (colmap != f->colmap && ncols > 0) std::memcpy(colmap, f->colmap, ncols * sizeof(int));
     if (result == 2000) return 2000;
     if (result == 0 && (step < m || step < ncols)) result = 1256;
     for (int r = 0; r < m; r++) f->rf_room[r] = 0;

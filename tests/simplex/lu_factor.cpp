@@ -263,6 +263,24 @@ TEST(LuFactor, OneRow) {
     (void)other;
 }
 
+TEST(LuSolve, TinyRightHandSideGivesEmptyResult) {
+    std::mt19937 rng(21);
+    int m = 40;
+    VecLP L(m);
+    auto head = make_basis(L, WELL, rng, 0);
+    Factor F(m, m);
+    ASSERT_EQ(F.factor(L, head), 0);
+    SVec v(m);
+    std::vector<double> b(m, 0.0);
+    b[3] = 1e-14;
+    b[17] = -5e-14;
+    v.set(b);
+    lu_ftran(F.f, &v.v, &v.v);
+    EXPECT_EQ(v.v.nz, 0);
+    EXPECT_EQ(F.f->spike_nz, 0);
+    EXPECT_TRUE(v.consistent());
+}
+
 TEST(LuFactor, AllSlackBasisIsSingletonsOnly) {
     int m = 100;
     VecLP L(m);
