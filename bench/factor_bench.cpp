@@ -4,7 +4,7 @@
  *
  * For each model (*.mps.gz under $TRV_DATA_DIR/netlib, or the names given
  * on the command line) a crash basis of structural columns is chosen in the
- * manner of Part 4.3's crash_place (sparse columns first, a pivot row not
+ * manner of the crash placement (sparse columns first, a pivot row not
  * yet covered, large entries preferred), completed with the slacks or
  * artificials of the rows left, and factored through lu_refactor. Reported
  * per model: nonzeros of the basis and of L+U, their ratio, the time of one
@@ -13,7 +13,7 @@
  * the two solves of every simplex iteration.
  *
  * read_model() is the one place that reads a file; until the MPS reader of
- * Part 3.4 lands it is a minimal private free-format parser reading through
+ * MPS reader lands it is a minimal private free-format parser reading through
  * `gzip -cd`. Swap its body for TRVreadcopyprob(env, lp, path, NULL).
  */
 #include <algorithm>
@@ -298,7 +298,7 @@ int main(int argc, char **argv) {
     if (env == nullptr) return 1;
     bool all_ok = true;
     for (int kind = 0; kind < 2; kind++) {
-        std::printf("\n%s bases\n", kind == 0 ? "crash (Part 4.3 placement)" : "structural (longest first)");
+        std::printf("\n%s bases\n", kind == 0 ? "crash placement" : "structural (longest first)");
         std::printf("%-10s %7s %7s %7s %9s %9s %6s %10s %10s %10s\n", "model", "rows", "cols",
                     "struct", "nz(B)", "nz(L+U)", "ratio", "factor_ms", "ftran_us", "btran_us");
         int ok = 0, within = 0;

@@ -1,5 +1,5 @@
 /*
- * baseupd.cpp - the Forrest-Tomlin update of Part 4.2: the spike of the
+ * baseupd.cpp - the Forrest-Tomlin update: the spike of the
  * entering column replaces a column of U, the leaving row is eliminated by
  * one row eta, and the pair (row, basis position) moves to a new last
  * position. Also the stability check before an update and the automatic
@@ -297,7 +297,7 @@ int lu_update(TRVenv env, TRVlp lp) {
         if (f->spike_nz < 0) lu_make_spike(f, &sv->splp, q);
         if (f->row_nz < 0 || f->rspike_pos != p) lu_row_spike(f, p);
         /* 2, 3. the growth enters the automatic rule; c is 20 until the
-         * pricing structures of Parts 4.4 and 4.5 tell otherwise */
+         * primal and dual pricing structures tell otherwise */
         int c = 20;
         int kp = f->pos_of_col[p];
         int64_t growth = int64_t(f->row_nz) - f->ur_len[f->perm_row[kp]] - f->uc_len[p] +

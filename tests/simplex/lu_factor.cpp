@@ -1,4 +1,4 @@
-/* The factorization and its solves on random bases (Parts 4.1, 4.2). */
+/* The factorization and its solves on random bases. */
 #include <gtest/gtest.h>
 
 #include "lu_support.h"
@@ -175,7 +175,7 @@ TEST_P(Updates, AgreeWithFreshFactor) {
         }
         double alpha = col.v.val[p];
         if (it % 2 == 0) lu_btran_row(F.f, &row.v, p); /* else the row spike above */
-        /* the check of Part 4.2 passes on such a pivot */
+        /* the stability check passes on such a pivot */
         if (F.f->row_nz < 0 || F.f->rspike_pos != p) lu_row_spike(F.f, p);
         double zmax = 0.0;
         for (int k = 0; k < F.f->row_nz; k++) zmax = std::max(zmax, std::fabs(F.f->rspike_val[k]));

@@ -1,5 +1,5 @@
 /* The recovery ladder, basis repair, the update through the iteration state,
- * and TRVgetcallbackinfo (Parts 4.1, 4.2, 1.5) on problems built through the
+ * and TRVgetcallbackinfo on problems built through the
  * interface. */
 #include <gtest/gtest.h>
 
@@ -338,7 +338,7 @@ TEST(Update, CheckRejectsTinyPivot) {
     EXPECT_EQ(P.lp->factor->row_nz, -1);
 }
 
-/* ---- Part 1.5 ---------------------------------------------------------------- */
+/* ---- callbacks -------------------------------------------------------------- */
 
 TEST(CallbackInfo, ChecksAndDispatch) {
     Prob P(ladder_model());
