@@ -233,6 +233,26 @@ static bool unscaled_infeasible(TRVlp lp) {
     return false;
 }
 
+/* Largest dual infeasibility of the nonbasic variables in the caller's
+ * units; 0 for an unscaled model. */
+static double unscaled_dual_infeas(TRVlp lp) {
+    const lp_data *d = lp->lpdata;
+    if (d->colscale == nullptr) return 0.0;
+    const simplex_lp *s = &lp->solver->splp;
+    const simplex_iter *it = &lp->solver->it;
+    const primal_state *ps = lp->primal;
+    double worst = 0.0;
+    for (int j = 0; j < s->ntotal; j++) {
+        if (it->status[j] == 1 || it->ban[j] != 0) continue;
+        if (it->status[j] != 3 && ps->upper[j] <= ps->lower[j]) continue;
+        double a = -primal_attract(it, j, it->d[j]);
+        if (a <= 0.0) continue;
+        a *= j < s->nstruct ? d->colscale[j] : 1.0 / d->rowscale[s->row_of_var[j]];
+        if (a > worst) worst = a;
+    }
+    return worst;
+}
+
 int primal_opt(TRVenv env, TRVlp lp, int it_so_far, int it1_so_far,
                double start_time, int pricing_mode, int internal) {
     (void)internal;
@@ -291,6 +311,25 @@ int primal_opt(TRVenv env, TRVlp lp, int it_so_far, int it1_so_far,
             if (lost) {
                 ps->status = 0;
                 continue;
+            }
+            if (ps->status == LPS_OPTIMAL) {
+                /* a scaled optimum must also be one in the caller's units */
+                if (!ps->d_kept) primal_compute_d(lp);
+                double w = unscaled_dual_infeas(lp);
+                if (w > par_dbl(env, 1014) && ps->opt_tol > 1e-12) {
+                    ps->opt_tol = std::fmax(ps->opt_tol * par_dbl(env, 1014) / w, 1e-12);
+                    ps->status = 0;
+                    continue;
+                }
+                /* one polishing round at a tenth of the tolerance: the
+                 * reduced costs just inside it can still move the
+                 * objective visibly on models with large values */
+                if (!ps->polished) {
+                    ps->polished = 1;
+                    ps->opt_tol *= 0.1;
+                    ps->status = 0;
+                    continue;
+                }
             }
         }
         if (tolerance_reset(env, lp, &tol_events)) continue;
