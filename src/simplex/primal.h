@@ -124,16 +124,13 @@ struct primal_state {
     int detail_head_done;
     double last_elapsed_print;
     int last_elapsed_it;
-    int last_fail_it;
     int fast;
-    int n_tol_events;
     int abort;            /* 1 callback, 2 time */
     long work_pivots;     /* accumulated work of the entering columns */
     int entered, left;    /* last pivot, for the log and the progress */
     int left_status;
     int flipped;
     int display;
-    int reinclude_tried;
     int polished;         /* the optimum was rechecked at a tighter tolerance */
 };
 

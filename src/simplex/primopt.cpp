@@ -40,7 +40,6 @@ static void load_run_parameters(TRVenv env, TRVlp lp) {
     ps->rw.no_length = par_int(env, 1068);
     ps->ban_epoch = PR_NOLIMIT;
     ps->last_phase_logged = 0;
-    ps->last_fail_it = -1;
     ps->entered = ps->left = -1;
     ps->fast = par_int(env, 1017) > 0;
     ps->scaled = lp->lpdata->colscale != nullptr;

@@ -554,3 +554,33 @@ TEST(PrimoptStart, SpreadPivotsFallBackToTheUnitBasis) {
     EXPECT_EQ(check_kkt(md, s), "");
     TRVfreeprob(te.env, &lp);
 }
+
+TEST(PrimoptLimits, TimeLimitIsReadEveryTwentyFiveIterations) {
+    Model md = random_lp(4242, 80, 60);
+    {
+        Solved r(md); /* the run needs more than 25 iterations */
+        ASSERT_EQ(r.rc, 0);
+        ASSERT_EQ(r.s.stat, 1);
+        ASSERT_GT(TRVgetitcnt(r.te.env, r.lp), 25);
+    }
+    TestEnv te;
+    TRVsetintparam(te.env, 1019, 0);
+    ASSERT_EQ(TRVsetdblparam(te.env, 1039, 0.0), 0);
+    TRVlp lp = md.copy_into(te.env);
+    ASSERT_EQ(TRVprimopt(te.env, lp), 0);
+    int stat = TRVgetstat(te.env, lp);
+    EXPECT_TRUE(stat == 7 || stat == 8) << stat;
+    EXPECT_EQ(TRVgetitcnt(te.env, lp), 25);
+    /* the values read back are consistent with the rows */
+    Solution s;
+    s.x.resize(md.ncols()), s.pi.resize(md.nrows()), s.slack.resize(md.nrows()), s.dj.resize(md.ncols());
+    ASSERT_EQ(TRVsolution(te.env, lp, &s.stat, &s.obj, s.x.data(), s.pi.data(), s.slack.data(), s.dj.data()), 0);
+    for (int i = 0; i < md.nrows(); i++) {
+        double a = 0.0;
+        for (int j = 0; j < md.ncols(); j++)
+            for (int k = md.matbeg[j]; k < md.matbeg[j] + md.matcnt[j]; k++)
+                if (md.matind[k] == i) a += md.matval[k] * s.x[j];
+        EXPECT_NEAR(s.slack[i], md.rhs[i] - a, 1e-8 * (1 + std::fabs(a)));
+    }
+    TRVfreeprob(te.env, &lp);
+}
