@@ -131,6 +131,7 @@ struct primal_state {
     int left_status;
     int flipped;
     int display;
+    int pushed;           /* the superbasic pass has run */
     int polished;         /* the optimum was rechecked at a tighter tolerance */
 };
 
@@ -177,6 +178,7 @@ int ratio_primal_p2(TRVlp lp, int dir, double d, double step_limit, int q);
 
 int primal_iterate(TRVenv env, TRVlp lp);
 int primal_pivot(TRVenv env, TRVlp lp, int q);
+int push_primal(TRVenv env, TRVlp lp, int *moved);
 
 /* ---- perturbation and progress (perturb.cpp, progress.cpp) ----------------- */
 

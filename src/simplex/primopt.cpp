@@ -329,6 +329,16 @@ int primal_opt(TRVenv env, TRVlp lp, int it_so_far, int it1_so_far,
                     ps->status = 0;
                     continue;
                 }
+                if (!ps->pushed) {
+                    ps->pushed = 1;
+                    int moved = 0;
+                    st = push_primal(env, lp, &moved);
+                    if (st != 0) return st;
+                    if (moved > 0) {
+                        ps->status = 0;
+                        continue;
+                    }
+                }
             }
         }
         if (tolerance_reset(env, lp, &tol_events)) continue;

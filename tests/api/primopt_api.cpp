@@ -641,3 +641,19 @@ TEST(PrimoptScaling, NewDataAfterAScaledSolve) {
     EXPECT_EQ(check_kkt(md, s2), "");
     TRVfreeprob(te.env, &lp);
 }
+
+TEST(PrimoptKnown, FreeColumnOfNoCostEndsBasic) {
+    /* min -y, y <= 3, f + y <= 10, f free and without cost: every f up to 7
+     * is optimal; the basic answer puts f where its row blocks */
+    Model md;
+    md.row('L', 3.0);
+    md.row('L', 10.0);
+    md.col(-1.0, 0.0, 1e20, {{0, 1.0}, {1, 1.0}});
+    md.col(0.0, -1e20, 1e20, {{1, 1.0}});
+    Solved r(md);
+    ASSERT_EQ(r.rc, 0);
+    EXPECT_EQ(r.s.stat, 1);
+    EXPECT_NEAR(r.s.obj, -3.0, 1e-12);
+    EXPECT_NEAR(r.s.x[1], 7.0, 1e-12);
+    EXPECT_EQ(check_kkt(md, r.s), "");
+}
