@@ -761,6 +761,29 @@ TRVAPI int TRVEcacheNewNZsByNZ(TRVenv env, TRVlp lp, int cnt,
                                const int *rowind, const int *colind,
                                const double *val);
 
+/* ---- optimisation and solution access ---------------------------------- */
+
+/* Solves the LP by the primal simplex; the outcome is TRVgetstat's. */
+TRVAPI int TRVprimopt(TRVenv env, TRVlp lp);
+/* Takes the model back out of its internal scaling. */
+TRVAPI int TRVunscaleprob(TRVenv env, TRVlp lp);
+/* The whole solution; a null pointer skips its item. 1217 with none. */
+TRVAPI int TRVsolution(TRVenv env, TRVlp lp, int *lpstat_p, double *objval_p,
+                       double *x, double *pi, double *slack, double *dj);
+TRVAPI int TRVgetobjval(TRVenv env, TRVlp lp, double *objval_p);
+/* Ranges begin..end of the primal values, duals, slacks (rhs minus row
+ * activity) and reduced costs. */
+TRVAPI int TRVgetx(TRVenv env, TRVlp lp, double *x, int begin, int end);
+TRVAPI int TRVgetpi(TRVenv env, TRVlp lp, double *pi, int begin, int end);
+TRVAPI int TRVgetslack(TRVenv env, TRVlp lp, double *slack, int begin,
+                       int end);
+TRVAPI int TRVgetdj(TRVenv env, TRVlp lp, double *dj, int begin, int end);
+/* Iterations of the last run, in all and in phase 1; 0 with none. */
+TRVAPI int TRVgetitcnt(TRVenv env, TRVlp lp);
+TRVAPI int TRVgetphase1cnt(TRVenv env, TRVlp lp);
+/* The method that produced the solution (1 primal simplex); 0 with none. */
+TRVAPI int TRVgetmethod(TRVenv env, TRVlp lp);
+
 #ifdef __cplusplus
 }
 #endif

@@ -7,6 +7,7 @@
 
 #include "store/lp.h"
 #include "simplex/lu.h"
+#include "simplex/primal.h"
 
 /* ---- handle checks ------------------------------------------------------- */
 
@@ -324,6 +325,9 @@ void lp_free_records(TRVenv env, TRVlp lp) {
     trv_free(&lp->dataptrs[2]);
     trv_free(&lp->dataptrs[3]);
     trv_free(&lp->startaux);
+    /* the primal simplex: its run state and the solution record */
+    primal_free(lp);
+    solution_free(lp);
     /* the simplex core: factorization and working LP */
     lu_free(lp);
     simplex_free(lp);
@@ -417,6 +421,7 @@ TRV_EXPORT int TRVunloadprob(TRVenv env, TRVlp *lp_p) {
     }
     /* The caller's arrays are held unscaled whenever the problem is free of
      * a scaling; a scaled problem gives its arrays back unscaled. */
+    TRVunscaleprob(env, *lp_p);
     return TRVfreeprob(env, lp_p);
 }
 

@@ -1,0 +1,387 @@
+/*
+ * price.cpp - primal pricing: the choice of the entering variable.
+ * Families: partial pricing with a candidate list (0 and -1), devex (1),
+ * steepest edge with an exact (2) or cheap (3) start, and full pricing by
+ * reduced cost (4). Partial pricing works from the duals alone; the other
+ * families keep every reduced cost up to date through the pivot row.
+ */
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+
+#include "simplex/primal.h"
+
+/* Attractiveness: negative when moving the variable improves. */
+double primal_attract(const simplex_iter *it, int j, double d) {
+    switch (it->status[j]) {
+    case 0: return d;
+    case 2: return -d;
+    case 3: return -std::fabs(d);
+    default: return 0.0;
+    }
+}
+
+/* A nonbasic variable that may enter: not banned and able to move. */
+static inline bool may_enter(const primal_state *ps, const simplex_iter *it, int j) {
+    if (it->status[j] == 1 || it->ban[j] != 0) return false;
+    if (it->status[j] == 3) return true;
+    return ps->upper[j] > ps->lower[j];
+}
+
+void primal_price_free(primal_state *ps) {
+    if (ps->partial != nullptr) {
+        primal_partial *pp = ps->partial;
+        trv_free(&pp->var);
+        trv_free(&pp->key);
+        trv_free(&pp->dir);
+        trv_free(&pp->order);
+        trv_free(&pp->mark);
+        trv_free(&ps->partial);
+    }
+    if (ps->devex != nullptr) {
+        trv_free(&ps->devex->ref);
+        trv_free(&ps->devex);
+    }
+}
+
+/* Section count of partial pricing from the sizes. */
+static int partial_sections(TRVenv env, int n, int m, int ncols) {
+    int p = par_int(env, 1010);
+    if (p != 0) return std::max(1, std::min(p, std::max(ncols, 1)));
+    if (n < 20 * m) {
+        if (n < 100) return 5;
+        if (n < 500) return 10;
+        if (n < 1000) return 15;
+        if (n < 2000) return 20;
+        if (n < 5000) return 30;
+        return 60;
+    }
+    static const int lim[] = {1000, 10000, 20000, 30000, 40000, 60000, 80000,
+                              120000, 160000, 200000};
+    static const int val[] = {5, 10, 20, 25, 30, 35, 40, 45, 50, 55};
+    for (int k = 0; k < 10; k++)
+        if (n < lim[k]) return val[k];
+    return 60;
+}
+
+static void devex_reset(TRVlp lp) {
+    const simplex_lp *s = &lp->solver->splp;
+    simplex_iter *it = &lp->solver->it;
+    primal_devex *dv = lp->primal->devex;
+    dv->ref_size = 0;
+    for (int j = 0; j < s->ncoltot; j++) {
+        dv->ref[j] = it->status[j] != 1;
+        dv->ref_size += dv->ref[j];
+        it->pweight[j] = 1.0;
+    }
+}
+
+int primal_price_init(TRVenv env, TRVlp lp, int family) {
+    const simplex_lp *s = &lp->solver->splp;
+    simplex_iter *it = &lp->solver->it;
+    primal_state *ps = lp->primal;
+    primal_price_free(ps);
+    int nc = s->ncoltot, nt = s->ntotal;
+    ps->pricing = family;
+    ps->d_kept = family >= 1;
+    if (family <= 0) {
+        primal_partial *pp = trv_zalloc<primal_partial>(1);
+        if (pp == nullptr) return 1001;
+        ps->partial = pp;
+        pp->var = trv_alloc<int>(nt);
+        pp->key = trv_alloc<double>(nt);
+        pp->dir = trv_alloc<char>(nt);
+        pp->order = trv_alloc<int>(nt);
+        pp->mark = trv_zalloc<char>(nt);
+        if (!pp->var || !pp->key || !pp->dir || !pp->order || !pp->mark) return 1001;
+        pp->sections = partial_sections(env, s->nstruct, s->m, nt);
+        pp->stride = std::max(1, nt / pp->sections);
+        pp->target = pp->sections;
+        pp->fresh = 1;
+        return 0;
+    }
+    if (it->pweight == nullptr) {
+        it->pweight = trv_alloc<double>(nc);
+        if (it->pweight == nullptr) return 1001;
+    }
+    for (int j = 0; j < nc; j++) it->pweight[j] = 1.0;
+    if (family == 1) {
+        ps->devex = trv_zalloc<primal_devex>(1);
+        if (ps->devex == nullptr) return 1001;
+        ps->devex->ref = trv_zalloc<char>(nc);
+        if (ps->devex->ref == nullptr) return 1001;
+        devex_reset(lp);
+    }
+    return 0;
+}
+
+/* The candidate list is dropped; a new pass starts. */
+void primal_price_reset(TRVlp lp) {
+    primal_partial *pp = lp->primal->partial;
+    if (pp == nullptr) return;
+    for (int k = 0; k < pp->count; k++) pp->mark[pp->var[k]] = 0;
+    pp->count = 0;
+    pp->fresh = 1;
+}
+
+/* ---- partial pricing ------------------------------------------------------- */
+
+static void partial_scan(TRVlp lp, int section, double tol) {
+    const simplex_lp *s = &lp->solver->splp;
+    const simplex_iter *it = &lp->solver->it;
+    primal_state *ps = lp->primal;
+    primal_partial *pp = ps->partial;
+    for (int j = section; j < s->ntotal; j += pp->stride) {
+        if (pp->mark[j] || !may_enter(ps, it, j)) continue;
+        double d = primal_dj(lp, j);
+        int st = it->status[j];
+        double key;
+        char dir;
+        if (st == 0) {
+            if (d >= -tol) continue;
+            key = d, dir = 'I';
+        } else if (st == 2) {
+            if (d <= tol) continue;
+            key = -d, dir = 'D';
+        } else {
+            if (std::fabs(d) <= tol) continue;
+            key = -std::fabs(d);
+            if (std::fabs(d) > 1e-5) key -= 1e10;
+            dir = d <= 0 ? 'I' : 'D';
+        }
+        pp->mark[j] = 1;
+        pp->var[pp->count] = j;
+        pp->key[pp->count] = key;
+        pp->dir[pp->count] = dir;
+        pp->count++;
+    }
+}
+
+static int partial_select(TRVlp lp, double tol) {
+    const simplex_lp *s = &lp->solver->splp;
+    simplex_iter *it = &lp->solver->it;
+    primal_state *ps = lp->primal;
+    primal_partial *pp = ps->partial;
+    /* refresh the kept entries */
+    int kept = 0;
+    for (int k = 0; k < pp->count; k++) {
+        int j = pp->var[k];
+        double a = may_enter(ps, it, j) ? primal_attract(it, j, primal_dj(lp, j)) : 0.0;
+        if (a < -tol) {
+            pp->key[kept] = a;
+            if (it->status[j] == 3 && -a > 1e-5) pp->key[kept] -= 1e10;
+            pp->var[kept] = j;
+            pp->dir[kept] = pp->dir[k];
+            kept++;
+        } else {
+            pp->mark[j] = 0;
+        }
+    }
+    pp->count = kept;
+    pp->fresh = 0;
+    /* scan sections until the list is long enough */
+    int sec = pp->next_start % pp->stride, scanned = 0;
+    bool full = true;
+    while (scanned < pp->stride) {
+        partial_scan(lp, sec, tol);
+        sec = (sec + 1) % pp->stride;
+        scanned++;
+        if (pp->count > pp->target) {
+            full = false;
+            break;
+        }
+    }
+    pp->next_start = sec;
+    if (full && pp->target > 2) pp->target--;
+    if (pp->count == 0) return -1;
+    int best = 0;
+    for (int k = 1; k < pp->count; k++)
+        if (pp->key[k] < pp->key[best]) best = k;
+    int q = pp->var[best];
+    /* drop the choice from the list: it is about to enter */
+    pp->mark[q] = 0;
+    pp->count--;
+    pp->var[best] = pp->var[pp->count];
+    pp->key[best] = pp->key[pp->count];
+    pp->dir[best] = pp->dir[pp->count];
+    it->d[q] = primal_dj(lp, q);
+    (void)s;
+    return q;
+}
+
+/* ---- the families that keep every reduced cost ----------------------------- */
+
+static int keyed_select(TRVlp lp, double tol) {
+    const simplex_lp *s = &lp->solver->splp;
+    const simplex_iter *it = &lp->solver->it;
+    primal_state *ps = lp->primal;
+    int best = -1, best_super = -1;
+    double best_key = 0.0, best_sd = 1e-5;
+    const double *w = it->pweight;
+    int fam = ps->pricing;
+    for (int j = 0; j < s->ntotal; j++) {
+        if (!may_enter(ps, it, j)) continue;
+        double a = primal_attract(it, j, it->d[j]);
+        if (a >= -tol) continue;
+        if (it->status[j] == 3 && -a > best_sd) {
+            best_sd = -a;
+            best_super = j;
+        }
+        double key;
+        if (fam == 4) key = -a;
+        else if (fam == 1) key = a * a / (w[j] * w[j]);
+        else key = a * a / w[j];
+        if (key > best_key) {
+            best_key = key;
+            best = j;
+        }
+    }
+    return best_super >= 0 ? best_super : best;
+}
+
+/* The entering variable, or -1; its reduced cost is verified against the
+ * current duals before it is returned. */
+int primal_price_select(TRVlp lp, double tol) {
+    primal_state *ps = lp->primal;
+    simplex_iter *it = &lp->solver->it;
+    if (lp->solver->splp.ntotal == 0) return -1;
+    if (ps->partial != nullptr) {
+        for (int round = 0; round < 3; round++) {
+            int q = partial_select(lp, tol);
+            if (q < 0) return -1;
+            if (primal_attract(it, q, it->d[q]) < -tol) return q;
+        }
+        return -1;
+    }
+    for (int round = 0; round < 3; round++) {
+        int q = keyed_select(lp, tol);
+        if (q < 0) return -1;
+        double d = primal_dj(lp, q);
+        it->d[q] = d;
+        if (primal_attract(it, q, d) < -tol) return q;
+    }
+    primal_compute_d(lp);
+    int q = keyed_select(lp, tol);
+    return q;
+}
+
+/* ---- weights after a pivot --------------------------------------------------- */
+
+static void devex_pivot(TRVlp lp, int p, int r, int q, double alpha_p) {
+    const simplex_lp *s = &lp->solver->splp;
+    simplex_iter *it = &lp->solver->it;
+    primal_state *ps = lp->primal;
+    primal_devex *dv = ps->devex;
+    double *w = it->pweight;
+    const sparse_vec *a = &ps->alpha;
+    double v = 0.0;
+    for (int k = 0; k < a->nz; k++) {
+        int i = a->idx[k];
+        if (dv->ref[it->head[i]]) v += a->val[i] * a->val[i];
+    }
+    double ap = std::fabs(alpha_p);
+    double g2 = v + dv->ref[q] - alpha_p * alpha_p * (dv->ref[q] - dv->ref[r]);
+    double wq = std::sqrt(std::max(g2, 1e-12));
+    if (w[q] > 2.0 * std::max(wq, 1.0)) {
+        devex_reset(lp);
+        return;
+    }
+    for (int k = 0; k < ps->prow_nz; k++) {
+        int j = ps->prow_idx[k];
+        if (j == q) continue;
+        double g = std::fabs(ps->prow[j]) * wq / ap;
+        if (g > w[j]) w[j] = g;
+    }
+    w[r] = std::max(wq / ap, 1.0);
+    (void)p;
+    (void)s;
+}
+
+static void steep_pivot(TRVlp lp, int p, int r, int q, double alpha_p) {
+    const simplex_lp *s = &lp->solver->splp;
+    simplex_iter *it = &lp->solver->it;
+    primal_state *ps = lp->primal;
+    double *w = it->pweight;
+    const sparse_vec *a = &ps->alpha;
+    double nrm = 1.0;
+    for (int k = 0; k < a->nz; k++) nrm += a->val[a->idx[k]] * a->val[a->idx[k]];
+    double v = nrm / (alpha_p * alpha_p);
+    /* tau = B^-T alpha */
+    sparse_vec *t = &ps->tau;
+    sv_clear(t);
+    for (int k = 0; k < a->nz; k++) {
+        int i = a->idx[k];
+        t->val[i] = a->val[i];
+        t->idx[k] = i;
+    }
+    t->nz = a->nz;
+    lu_btran(lp->factor, t, t);
+    if (t->nz < 0) sv_from_dense(t);
+    for (int k = 0; k < ps->prow_nz; k++) {
+        int j = ps->prow_idx[k];
+        if (j == q) continue;
+        double rj = ps->prow[j] / alpha_p;
+        double tj = 0.0;
+        for (int e = s->col_beg[j]; e < s->col_end[j]; e++) tj += t->val[s->row_idx[e]] * s->val[e];
+        double nw = w[j] - 2.0 * rj * tj + rj * rj * nrm;
+        double fl = 1.0 + rj * rj;
+        w[j] = nw < fl ? fl : nw;
+        if (w[j] > 1e8) w[j] = 1e8;
+    }
+    w[r] = std::max(v, 1.0);
+    sv_clear(t);
+    (void)p;
+    (void)q;
+}
+
+void primal_price_pivot(TRVlp lp, int p, int leaving, int entering, double alpha_p) {
+    primal_state *ps = lp->primal;
+    if (ps->pricing == 1 && ps->devex != nullptr)
+        devex_pivot(lp, p, leaving, entering, alpha_p);
+    else if (ps->pricing == 2 || ps->pricing == 3)
+        steep_pivot(lp, p, leaving, entering, alpha_p);
+}
+
+/* Steepest-edge weights: 1 + |B^-1 a_j|^2, exactly (mode 2) or from the
+ * column norms (mode 3, or a basis of slacks). */
+int primal_norms_init(TRVenv env, TRVlp lp, int mode) {
+    const simplex_lp *s = &lp->solver->splp;
+    simplex_iter *it = &lp->solver->it;
+    primal_state *ps = lp->primal;
+    double *w = it->pweight;
+    bool slack_basis = true;
+    for (int i = 0; i < s->m; i++)
+        if (it->head[i] < s->nstruct) slack_basis = false;
+    bool cheap = mode == 3 || slack_basis;
+    if (!cheap && ps->display > 0) TRVmsg(env->reschannel, "Initializing primal norms . . .\n");
+    for (int j = 0; j < s->ncoltot; j++) {
+        if (it->status[j] == 1 || j >= s->ntotal) {
+            w[j] = 1.0;
+            continue;
+        }
+        double v = 1.0;
+        if (cheap) {
+            for (int k = s->col_beg[j]; k < s->col_end[j]; k++) v += s->val[k] * s->val[k];
+        } else {
+            sparse_vec *c = &ps->col;
+            sv_clear(c);
+            c->nz = 0;
+            for (int k = s->col_beg[j]; k < s->col_end[j]; k++) {
+                c->val[s->row_idx[k]] = s->val[k];
+                c->idx[c->nz++] = s->row_idx[k];
+            }
+            lu_ftran_nospike(lp->factor, &ps->tau, c);
+            sparse_vec *t = &ps->tau;
+            if (t->nz < 0) sv_from_dense(t);
+            for (int k = 0; k < t->nz; k++) v += t->val[t->idx[k]] * t->val[t->idx[k]];
+            sv_clear(t);
+            sv_clear(c);
+            if (ps->time_limit < 1e74 && env_time(env) - ps->start_time >= ps->time_limit) {
+                ps->abort = 2;
+                cheap = true;
+            }
+        }
+        w[j] = v > 1e8 ? 1e8 : v;
+    }
+    return 0;
+}

@@ -1,0 +1,177 @@
+/*
+ * solution.cpp - the solution record of the last optimisation and the
+ * exported functions that read it. The record holds the figures of the
+ * model as the caller gave it: unscaled, with the caller's objective sense.
+ */
+#include <cstring>
+
+#include "simplex/primal.h"
+
+void solution_free(TRVlp lp) {
+    soln_rec *sr = lp->soln;
+    if (sr == nullptr) return;
+    trv_free(&sr->x);
+    trv_free(&sr->pi);
+    trv_free(&sr->slack);
+    trv_free(&sr->dj);
+    trv_free(&lp->soln);
+}
+
+/* Takes the figures of the working LP back to the caller's model. */
+int solution_store(TRVenv env, TRVlp lp, int method, int itcnt, int phase1cnt) {
+    (void)env;
+    solution_free(lp);
+    const lp_data *d = lp->lpdata;
+    const simplex_lp *s = &lp->solver->splp;
+    const simplex_iter *it = &lp->solver->it;
+    int n = d->ncols, m = d->nrows;
+    soln_rec *sr = trv_zalloc<soln_rec>(1);
+    if (sr == nullptr) return 1001;
+    lp->soln = sr;
+    sr->x = trv_alloc<double>(n);
+    sr->dj = trv_alloc<double>(n);
+    sr->pi = trv_alloc<double>(m);
+    sr->slack = trv_alloc<double>(m);
+    if (!sr->x || !sr->dj || !sr->pi || !sr->slack) {
+        solution_free(lp);
+        return 1001;
+    }
+    sr->method = method;
+    sr->has_basis = 1;
+    sr->ncols = n;
+    sr->nrows = m;
+    sr->itcnt = itcnt;
+    sr->phase1cnt = phase1cnt;
+    const double *cs = d->colscale, *rs = d->rowscale;
+    double sense = s->sense, z = 0.0;
+    for (int i = 0; i < m; i++) sr->slack[i] = d->rhs[i];
+    for (int j = 0; j < n; j++) {
+        double xs = it->x[j];
+        for (int k = s->col_beg[j]; k < s->col_end[j]; k++) sr->slack[s->row_idx[k]] -= s->val[k] * xs;
+        z += s->cost[j] * xs;
+        sr->x[j] = cs ? xs / cs[j] : xs;
+        sr->dj[j] = sense * (cs ? it->d[j] * cs[j] : it->d[j]);
+    }
+    for (int i = 0; i < m; i++) {
+        sr->pi[i] = sense * (rs ? it->y[i] / rs[i] : it->y[i]);
+        if (rs) sr->slack[i] *= rs[i];
+    }
+    sr->objval = z;
+    return 0;
+}
+
+/* A change of the model makes the stored solution stale. The record keeps
+ * nothing but the vectors, so marking it and freeing it come to the same. */
+void soln_invalidate(TRVlp lp, int free_it) {
+    (void)free_it;
+    solution_free(lp);
+}
+
+/* ---- exported reading functions ---------------------------------------- */
+
+/* The handle checks of a solution query; null with *status set otherwise. */
+static soln_rec *soln_frame(TRVenv env, TRVlp lp, int *status) {
+    *status = 0;
+    if (!env_valid(env)) {
+        *status = 1002;
+        return nullptr;
+    }
+    if (!lp_valid(lp)) {
+        *status = 1009;
+        return nullptr;
+    }
+    /* a pending addition invalidates the solution when it merges */
+    *status = lp_flush(env, lp, 1);
+    if (*status != 0) return nullptr;
+    if (lp->soln == nullptr) *status = 1217;
+    return lp->soln;
+}
+
+static int soln_done(TRVenv env, int status) {
+    if (status != 0) env_report(env, &status);
+    return status;
+}
+
+TRV_EXPORT int TRVsolution(TRVenv env, TRVlp lp, int *lpstat_p, double *objval_p,
+                           double *x, double *pi, double *slack, double *dj) {
+    int status = 0;
+    soln_rec *sr = soln_frame(env, lp, &status);
+    if (status == 1002) return status;
+    if (sr == nullptr) return soln_done(env, status);
+    if (lpstat_p) *lpstat_p = lp->stat;
+    if (objval_p) *objval_p = sr->objval;
+    if (x) std::memcpy(x, sr->x, sizeof(double) * sr->ncols);
+    if (dj) std::memcpy(dj, sr->dj, sizeof(double) * sr->ncols);
+    if (pi) std::memcpy(pi, sr->pi, sizeof(double) * sr->nrows);
+    if (slack) std::memcpy(slack, sr->slack, sizeof(double) * sr->nrows);
+    return 0;
+}
+
+TRV_EXPORT int TRVgetobjval(TRVenv env, TRVlp lp, double *objval_p) {
+    int status = 0;
+    soln_rec *sr = soln_frame(env, lp, &status);
+    if (status == 1002) return status;
+    if (status == 0 && objval_p == nullptr) status = 1004;
+    if (status != 0) return soln_done(env, status);
+    *objval_p = sr->objval;
+    return 0;
+}
+
+/* A range of one of the vectors: over columns (rows false) or rows. */
+static int soln_range(TRVenv env, TRVlp lp, const char *fname, double *out,
+                      int begin, int end, bool rows, int which) {
+    int status = 0;
+    if (!env_valid(env)) return 1002;
+    if (!lp_valid(lp)) return soln_done(env, 1009);
+    int count = rows ? lp->lpdata->nrows : lp->lpdata->ncols;
+    if (begin > end) return soln_done(env, 1200);
+    if (!range_check(env, fname, begin, end, 0, count)) return soln_done(env, 1200);
+    if (out == nullptr) return soln_done(env, 1004);
+    soln_rec *sr = soln_frame(env, lp, &status);
+    if (sr == nullptr) return soln_done(env, status);
+    const double *src = which == 0 ? sr->x : which == 1 ? sr->pi : which == 2 ? sr->slack : sr->dj;
+    std::memcpy(out, src + begin, sizeof(double) * (end - begin + 1));
+    return 0;
+}
+
+TRV_EXPORT int TRVgetx(TRVenv env, TRVlp lp, double *x, int begin, int end) {
+    return soln_range(env, lp, "TRVgetx", x, begin, end, false, 0);
+}
+
+TRV_EXPORT int TRVgetpi(TRVenv env, TRVlp lp, double *pi, int begin, int end) {
+    return soln_range(env, lp, "TRVgetpi", pi, begin, end, true, 1);
+}
+
+TRV_EXPORT int TRVgetslack(TRVenv env, TRVlp lp, double *slack, int begin, int end) {
+    return soln_range(env, lp, "TRVgetslack", slack, begin, end, true, 2);
+}
+
+TRV_EXPORT int TRVgetdj(TRVenv env, TRVlp lp, double *dj, int begin, int end) {
+    return soln_range(env, lp, "TRVgetdj", dj, begin, end, false, 3);
+}
+
+/* Counts of the last run; 0 with no solution or a bad handle. */
+static int count_query(TRVenv env, TRVlp lp, bool phase1) {
+    if (!env_valid(env)) return 0;
+    if (!lp_valid(lp)) {
+        int status = 1009;
+        env_report(env, &status);
+        return 0;
+    }
+    if (lp->soln == nullptr) return 0;
+    return phase1 ? lp->soln->phase1cnt : lp->soln->itcnt;
+}
+
+TRV_EXPORT int TRVgetitcnt(TRVenv env, TRVlp lp) { return count_query(env, lp, false); }
+
+TRV_EXPORT int TRVgetphase1cnt(TRVenv env, TRVlp lp) { return count_query(env, lp, true); }
+
+TRV_EXPORT int TRVgetmethod(TRVenv env, TRVlp lp) {
+    int status = 0;
+    soln_rec *sr = soln_frame(env, lp, &status);
+    if (sr == nullptr) {
+        if (status != 1002) soln_done(env, status);
+        return 0;
+    }
+    return sr->method;
+}

@@ -1,0 +1,129 @@
+/* Optimality conditions of an LP solution, checked against the model data:
+ * primal feasibility of columns and rows, slacks as rhs minus activity,
+ * reduced costs as c - pi A, the signs of duals and reduced costs, and
+ * complementary slackness. Returns an empty string when all hold, else a
+ * description of the first failure. */
+#ifndef TRV_TEST_KKT_H
+#define TRV_TEST_KKT_H
+
+#include <cmath>
+#include <random>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "model.h"
+
+struct Solution {
+    int stat = 0;
+    double obj = 0.0;
+    std::vector<double> x, pi, slack, dj;
+};
+
+/* Solves by the primal simplex and reads everything back. */
+inline int solve_primal(TRVenv env, TRVlp lp, Solution &s) {
+    int st = TRVprimopt(env, lp);
+    if (st != 0) return st;
+    int n = TRVgetnumcols(env, lp), m = TRVgetnumrows(env, lp);
+    s.x.assign(n, 0.0), s.dj.assign(n, 0.0), s.pi.assign(m, 0.0), s.slack.assign(m, 0.0);
+    return TRVsolution(env, lp, &s.stat, &s.obj, s.x.data(), s.pi.data(), s.slack.data(),
+                       s.dj.data());
+}
+
+inline std::string check_kkt(const Model &md, const Solution &s, double tol = 1e-6) {
+    std::ostringstream e;
+    int n = md.ncols(), m = md.nrows();
+    double sg = md.objsen < 0 ? -1.0 : 1.0; /* as a minimisation */
+    std::vector<double> ax(m, 0.0), pia(n, 0.0);
+    double z = 0.0;
+    for (int j = 0; j < n; j++) {
+        z += md.obj[j] * s.x[j];
+        for (int k = md.matbeg[j]; k < md.matbeg[j] + md.matcnt[j]; k++) {
+            ax[md.matind[k]] += md.matval[k] * s.x[j];
+            pia[j] += s.pi[md.matind[k]] * md.matval[k];
+        }
+    }
+    auto scale = [](double v) { return 1.0 + std::fabs(v); };
+    if (std::fabs(z - s.obj) > tol * scale(z)) e << "objective " << s.obj << " vs c x " << z << "; ";
+    for (int j = 0; j < n; j++) {
+        double l = md.lb[j], u = md.ub[j], x = s.x[j];
+        if (x < l - tol * scale(l) || x > u + tol * scale(u))
+            e << "column " << j << " value " << x << " outside [" << l << "," << u << "]; ";
+        double dj = md.obj[j] - pia[j];
+        if (std::fabs(dj - s.dj[j]) > tol * scale(md.obj[j]) * 10)
+            e << "dj " << j << " " << s.dj[j] << " vs c - pi A " << dj << "; ";
+        double d = sg * s.dj[j];
+        bool atl = l > -1e19 && std::fabs(x - l) <= tol * scale(l);
+        bool atu = u < 1e19 && std::fabs(x - u) <= tol * scale(u);
+        /* a minimisation: dj >= 0 unless the column can fall, <= 0 unless it can rise */
+        if (!atu && d < -tol) e << "column " << j << " dj " << s.dj[j] << " with room to rise; ";
+        if (!atl && d > tol) e << "column " << j << " dj " << s.dj[j] << " with room to fall; ";
+    }
+    for (int i = 0; i < m; i++) {
+        double r = md.rhs[i], a = ax[i], sl = s.slack[i], p = sg * s.pi[i];
+        if (std::fabs(sl - (r - a)) > tol * scale(r) * 10)
+            e << "slack " << i << " " << sl << " vs rhs - Ax " << r - a << "; ";
+        double lo = -1e30, hi = 1e30;
+        switch (md.sense[i]) {
+        case 'L': hi = r; break;
+        case 'G': lo = r; break;
+        case 'E': lo = hi = r; break;
+        case 'R': {
+            double g = md.rngval[i];
+            lo = g >= 0 ? r : r + g;
+            hi = g >= 0 ? r + g : r;
+            break;
+        }
+        }
+        if (a < lo - tol * scale(lo) || a > hi + tol * scale(hi))
+            e << "row " << i << " activity " << a << " outside [" << lo << "," << hi << "]; ";
+        bool atlo = lo > -1e29 && std::fabs(a - lo) <= tol * scale(lo);
+        bool athi = hi < 1e29 && std::fabs(a - hi) <= tol * scale(hi);
+        /* a minimisation: pi >= 0 pushes against a lower side, <= 0 an upper */
+        if (!atlo && p > tol) e << "row " << i << " dual " << s.pi[i] << " off its lower side; ";
+        if (!athi && p < -tol) e << "row " << i << " dual " << s.pi[i] << " off its upper side; ";
+    }
+    return e.str();
+}
+
+/* A random LP that has a feasible point (x0 inside its bounds satisfies
+ * every row) and a bounded objective (all columns boxed), or with open
+ * bounds when open is set. */
+inline Model random_lp(unsigned seed, int n, int m, bool open = false) {
+    std::mt19937 g(seed);
+    std::uniform_real_distribution<double> u(-1.0, 1.0);
+    std::uniform_int_distribution<int> pick(0, 99);
+    Model md;
+    md.objsen = pick(g) < 30 ? -1 : 1;
+    std::vector<double> x0(n);
+    std::vector<std::vector<std::pair<int, double>>> cols(n);
+    for (int j = 0; j < n; j++) x0[j] = 5.0 * u(g);
+    std::vector<double> act(m, 0.0);
+    for (int j = 0; j < n; j++)
+        for (int i = 0; i < m; i++)
+            if (pick(g) < 40) {
+                double v = std::round(10.0 * u(g) * 4.0) / 4.0;
+                if (v == 0.0) v = 1.0;
+                cols[j].push_back({i, v});
+                act[i] += v * x0[j];
+            }
+    for (int j = 0; j < n; j++) {
+        double l = x0[j] - 1.0 - 3.0 * (u(g) + 1.0), h = x0[j] + 1.0 + 3.0 * (u(g) + 1.0);
+        int kind = pick(g);
+        if (open && kind < 15) l = -1e20;
+        if (open && kind >= 15 && kind < 40) h = 1e20;
+        if (kind >= 95) l = h = x0[j];
+        md.col(std::round(4.0 * u(g)), l, h, cols[j]);
+    }
+    for (int i = 0; i < m; i++) {
+        int kind = pick(g);
+        double slackv = 2.0 * (u(g) + 1.0);
+        if (kind < 35) md.row('L', act[i] + slackv);
+        else if (kind < 70) md.row('G', act[i] - slackv);
+        else if (kind < 85) md.row('E', act[i]);
+        else md.row('R', act[i] - slackv, 2.0 * slackv + 1.0);
+    }
+    return md;
+}
+
+#endif
