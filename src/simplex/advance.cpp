@@ -5,7 +5,7 @@
  */
 #include <cmath>
 
-#include "simplex/primal.h"
+#include "simplex/dual.h"
 
 /* All slacks (or the artificials of rows without one) basic. */
 static void start_slack(TRVlp lp) {
@@ -31,7 +31,7 @@ static void start_slack(TRVlp lp) {
 }
 
 int start_basis(TRVenv env, TRVlp lp) {
-    (void)env;
+    if (start_load(env, lp)) return 0;
     start_slack(lp);
     return 0;
 }
