@@ -89,7 +89,7 @@ int ratio_dual(TRVlp lp, int dir, double slope, int flipping) {
             }
         }
         if (best < 0) break;
-        if (flipping && !open_var && slope - reduce > 0.0) {
+        if (flipping && !open_var && slope - reduce > 1e-9) {
             /* the whole group flips; the walk goes on */
             slope -= reduce;
             int w = 0;

@@ -47,14 +47,14 @@ static void load_run_parameters(TRVenv env, TRVlp lp) {
     ds->last_perturb_it = -1;
 }
 
-/* Sum of the primal infeasibilities of the basic variables. */
+/* The figures of a running dual for TRVgetcallbackinfo. */
 static int dual_cbinfo(TRVlp lp, int wherefrom, int whichinfo, void *result) {
     dual_state *ds = lp->dual;
     if (wherefrom != TRV_CALLBACK_DUAL || ds == nullptr) return 1006;
     double *r = static_cast<double *>(result);
     switch (whichinfo) {
-    case 1:
-        *r = lp->solver->splp.sense * ds->objective;
+    case 2:
+        *r = lp->solver->splp.sense * (ds->phase == 1 ? dual_objective(lp) : ds->objective);
         return 0;
     case 3:
         *r = dual_pinf(lp, 0.0, nullptr);
@@ -66,7 +66,7 @@ static int dual_cbinfo(TRVlp lp, int wherefrom, int whichinfo, void *result) {
         *r = sum;
         return 0;
     }
-    case 5:
+    case 6:
         *static_cast<int *>(result) = ds->phase - 1;
         return 0;
     default:
