@@ -188,9 +188,14 @@ static int confirm_optimum(TRVenv env, TRVlp lp, int *err) {
         return 0;
     }
     if (ds->phase == 1) {
+        /* the true costs leave the basis dual infeasible: the primal takes
+         * over when asked to (parameter 1063 at 1) or when many variables
+         * are wrong; otherwise the dual goes through its phase 1 again,
+         * which keeps its accuracy on models with wide value ranges */
         ds->status = 0;
-        if (par_int(env, 1063) >= 0) return 2;
-        dual_norms_reset(lp);
+        int h = par_int(env, 1063);
+        int many = lp->solver->splp.n / 10 > 10 ? lp->solver->splp.n / 10 : 10;
+        if (h == 1 || (h == 0 && ds->n_dinf > many)) return 2;
         return 1;
     }
     int n_inf = 0;
