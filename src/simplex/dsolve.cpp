@@ -62,7 +62,9 @@ TRV_EXPORT int TRVdualopt(TRVenv env, TRVlp lp) {
         ph1 += ph2;
     }
     if (status == 0) status = solution_store(env, lp, 2, itcnt, ph1);
-    if (status == 0) status = start_save(lp, 1);
+    /* the final basis and norms for a later warm start; without memory
+     * for them the next run starts cold */
+    if (status == 0) start_save(lp, 1);
     if (status != 0) lp->stat = 0;
     run_release(lp);
     if (status != 0) env_report(env, &status);

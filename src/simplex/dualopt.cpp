@@ -226,11 +226,9 @@ int dual_opt(TRVenv env, TRVlp lp, int it_so_far, int it1_so_far, double start_t
     ds->n_it_phase1 = it1_so_far;
     st = lu_alloc(env, lp);
     if (st != 0) return st;
+    /* the kept basis of the problem, or the slack basis the working LP
+     * was built with */
     int loaded = start_load(env, lp);
-    if (!loaded) {
-        st = start_basis(env, lp);
-        if (st != 0) return st;
-    }
     if (mode == 0 && loaded && par_int(env, 1001) != 0) ds->pricing = DPR_STEEP_UNIT;
     dual_progress_init(env, ds, lp->solver->splp.n);
     ds->phase = 0;

@@ -183,7 +183,9 @@ int ratio_primal_p1(TRVlp lp, int dir, double d, double step_limit, int q) {
     for (int k = 0; k < n; k++) {
         int c = ord[k];
         if (rw->cand_ratio[c] >= step_limit) break;
-        if (slope - rw->cand_red[c] < -1e-9) {
+        /* stop where the slope is used up: moving on at a zero slope
+         * would only trade infeasibility between variables */
+        if (slope - rw->cand_red[c] <= 1e-12 * (1.0 + std::fabs(d))) {
             stop = k;
             break;
         }

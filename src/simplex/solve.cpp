@@ -69,7 +69,9 @@ TRV_EXPORT int TRVprimopt(TRVenv env, TRVlp lp) {
         ph1 += ph2;
     }
     if (status == 0) status = solution_store(env, lp, 1, itcnt, ph1);
-    if (status == 0) status = start_save(lp, 0);
+    /* the final basis for a later warm start; without memory for it the
+     * next run starts cold */
+    if (status == 0) start_save(lp, 0);
     if (status != 0) lp->stat = 0;
     run_release(lp);
     if (status != 0) env_report(env, &status);

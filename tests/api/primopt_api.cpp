@@ -204,12 +204,12 @@ TEST(PrimoptLimits, IterationLimitInPhaseOneIsInfeasibleStatus) {
     TestEnv te;
     TRVsetintparam(te.env, 1019, 0);
     TRVsetintparam(te.env, 1020, 1);
-    Model md; /* needs several phase 1 pivots */
+    Model md; /* each column meets two of the three violated rows */
     md.row('G', 4.0);
     md.row('G', 3.0);
-    md.row('E', 2.0);
+    md.row('G', 2.0);
     md.col(1.0, 0.0, 1e20, {{0, 1.0}, {2, 1.0}});
-    md.col(1.0, 0.0, 1e20, {{1, 1.0}, {2, -1.0}});
+    md.col(1.0, 0.0, 1e20, {{1, 1.0}, {2, 1.0}});
     md.col(1.0, 0.0, 1e20, {{0, 1.0}, {1, 1.0}});
     TRVlp lp = md.copy_into(te.env);
     ASSERT_EQ(TRVprimopt(te.env, lp), 0);
@@ -513,5 +513,44 @@ TEST(PrimoptLimits, CallbackSeesProgressFigures) {
     EXPECT_GT(seen.phase1, 0);
     EXPECT_GT(seen.phase2, 0);
     EXPECT_LE(seen.last_it, TRVgetitcnt(te.env, lp));
+    TRVfreeprob(te.env, &lp);
+}
+
+TEST(PrimoptStart, CrashFillsEqualityRowsWithStructurals) {
+    /* two equations in two unknowns, triangular: the crash basis is the
+     * answer and no pivot is needed */
+    Model md;
+    md.row('E', 1.0);
+    md.row('E', 3.0);
+    md.col(1.0, 0.0, 10.0, {{0, 1.0}, {1, 0.5}});
+    md.col(1.0, 0.0, 10.0, {{1, 2.0}});
+    Solved r(md);
+    ASSERT_EQ(r.rc, 0);
+    EXPECT_EQ(r.s.stat, 1);
+    EXPECT_EQ(TRVgetitcnt(r.te.env, r.lp), 0);
+    EXPECT_EQ(TRVgetphase1cnt(r.te.env, r.lp), 0);
+    EXPECT_NEAR(r.s.x[0], 1.0, 1e-12);
+    EXPECT_NEAR(r.s.x[1], 1.25, 1e-12);
+    EXPECT_EQ(check_kkt(md, r.s), "");
+}
+
+TEST(PrimoptStart, SpreadPivotsFallBackToTheUnitBasis) {
+    TestEnv te;
+    TRVsetintparam(te.env, 1019, 0);
+    TRVsetintparam(te.env, 1034, -1); /* no scaling to even the entries out */
+    Model md;
+    md.row('E', 1.0);
+    md.row('E', 1e-4);
+    md.col(1.0, 0.0, 10.0, {{0, 1.0}});
+    md.col(1.0, 0.0, 10.0, {{1, 1e-4}});
+    TRVlp lp = md.copy_into(te.env);
+    Solution s;
+    ASSERT_EQ(solve_primal(te.env, lp, s), 0);
+    EXPECT_EQ(s.stat, 1);
+    EXPECT_NE(te.err.find("Using conservative initial basis.\n"), std::string::npos) << te.err;
+    EXPECT_NE(te.err.find("Using unit initial basis.\n"), std::string::npos) << te.err;
+    EXPECT_NE(te.err.find("Primal crash basis not built.\n"), std::string::npos) << te.err;
+    EXPECT_GT(TRVgetphase1cnt(te.env, lp), 0);
+    EXPECT_EQ(check_kkt(md, s), "");
     TRVfreeprob(te.env, &lp);
 }
