@@ -53,7 +53,8 @@ static void perturb_size(dual_state *ds) {
 
 /* Moves the cost of every nonbasic variable that is not fixed by a random
  * relative amount in the direction of its dual feasibility: up at a lower
- * bound, down at an upper bound; a free variable keeps its cost. */
+ * bound, down at an upper bound; a free variable keeps its cost, and so
+ * does one whose reduced cost has the wrong sign. */
 void dual_perturb(TRVenv env, TRVlp lp) {
     const simplex_lp *s = &lp->solver->splp;
     simplex_iter *it = &lp->solver->it;
@@ -64,6 +65,10 @@ void dual_perturb(TRVenv env, TRVlp lp) {
         int st = it->status[j];
         if (st == 1 || st == 3 || it->ban[j] == 2) continue;
         if (ds->lo_on[j] && ds->up_on[j] && ds->lower[j] == ds->upper[j]) continue;
+        /* a dual infeasible cost keeps its value: phase 1 measures it */
+        if (s->has_lower[j] && !s->has_upper[j] && it->d[j] < 0.0) continue;
+        if (s->has_upper[j] && !s->has_lower[j] && it->d[j] > 0.0) continue;
+        if (!s->has_lower[j] && !s->has_upper[j]) continue;
         double c = s->sense * s->cost[j];
         double amt = (0.5 + env_randomd(env)) * size * (1.0 + std::fabs(c));
         if (st == 2) amt = -amt;

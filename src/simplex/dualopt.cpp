@@ -154,6 +154,23 @@ static int limit_status(TRVlp lp) {
     return feas ? LPS_IT_FEAS : LPS_IT_INFEAS;
 }
 
+/* A cold start where many structurals have a zero reduced cost: the run
+ * would stall on ties from its first iterations, so the costs are
+ * perturbed at once rather than after the first stall. */
+static bool dual_degenerate(TRVlp lp) {
+    const simplex_lp *s = &lp->solver->splp;
+    const simplex_iter *it = &lp->solver->it;
+    const dual_state *ds = lp->dual;
+    int nonbasic = 0, zero = 0;
+    for (int j = 0; j < s->n; j++) {
+        if (it->status[j] == 1) continue;
+        if (ds->lo_on[j] && ds->up_on[j] && ds->lower[j] == ds->upper[j]) continue;
+        nonbasic++;
+        if (std::fabs(it->d[j]) <= ds->dual_tol) zero++;
+    }
+    return nonbasic > 0 && 20 * zero >= nonbasic;
+}
+
 /* The basis goes to the primal simplex, which finishes the run from it.
  * The iteration counts add up; the primal's status stands. */
 static int hand_to_primal(TRVenv env, TRVlp lp) {
@@ -237,7 +254,7 @@ int dual_opt(TRVenv env, TRVlp lp, int it_so_far, int it1_so_far, double start_t
     dual_set_phase(lp);
     st = dual_norms_init(env, lp);
     if (st != 0) return st;
-    if (par_int(env, 1027)) dual_perturb(env, lp);
+    if (par_int(env, 1027) || (!loaded && dual_degenerate(lp))) dual_perturb(env, lp);
     if (ds->display == 1) dual_log(env, lp, 1);
     int rounds = 0;
     while (true) {
