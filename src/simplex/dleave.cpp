@@ -221,6 +221,7 @@ static int dual_try(TRVenv env, TRVlp lp, int p, int forced) {
     if (steep) sv_clear(&ds->tau);
     it->status[r_var] = static_cast<signed char>(dir > 0 ? 2 : 0);
     it->status[q] = 1;
+    dual_row_swap(lp, q, r_var);
     ds->entered = q;
     ds->left = r_var;
     ds->left_status = it->status[r_var];
@@ -228,6 +229,7 @@ static int dual_try(TRVenv env, TRVlp lp, int p, int forced) {
     ds->updates++;
     if (st != 0 && st != RC_REPAIRED) return st;
     if (st == RC_REPAIRED) {
+        dual_row_partition(lp);
         after_refactor(lp);
         dual_norms_reset(lp);
         dual_set_phase(lp);

@@ -24,8 +24,10 @@ static void state_release(dual_state *ds) {
     sv_free(&ds->fdelta);
     trv_free(&ds->prow);
     trv_free(&ds->prow_idx);
-    trv_free(&ds->pmark);
     trv_free(&ds->ar_beg);
+    trv_free(&ds->ar_nnb);
+    trv_free(&ds->ar_pos);
+    trv_free(&ds->ar_k);
     trv_free(&ds->ar_idx);
     trv_free(&ds->ar_val);
     trv_free(&ds->work);
@@ -50,26 +52,83 @@ static int build_rowwise(const simplex_lp *s, dual_state *ds) {
     long nz = 0;
     for (int j = 0; j < nt; j++) nz += s->col_len[j];
     ds->ar_beg = trv_zalloc<int>(m + 1);
+    ds->ar_nnb = trv_zalloc<int>(m);
     ds->ar_idx = trv_alloc<int>(nz);
     ds->ar_val = trv_alloc<double>(nz);
-    int *fill = trv_alloc<int>(m);
-    if (!ds->ar_beg || !ds->ar_idx || !ds->ar_val || !fill) {
-        trv_free(&fill);
+    ds->ar_k = trv_alloc<int>(nz);
+    ds->ar_pos = trv_alloc<int>(s->col_end[nt > 0 ? nt - 1 : 0] + 1);
+    if (!ds->ar_beg || !ds->ar_nnb || !ds->ar_idx || !ds->ar_val || !ds->ar_k || !ds->ar_pos)
         return 1001;
-    }
     for (int j = 0; j < nt; j++)
         for (int k = s->col_beg[j]; k < s->col_end[j]; k++) ds->ar_beg[s->row_idx[k] + 1]++;
     for (int i = 0; i < m; i++) ds->ar_beg[i + 1] += ds->ar_beg[i];
-    for (int i = 0; i < m; i++) fill[i] = ds->ar_beg[i];
+    return 0;
+}
+
+/* Lays out each row of the copy with its nonbasic entries first. */
+void dual_row_partition(TRVlp lp) {
+    const simplex_lp *s = &lp->solver->splp;
+    const simplex_iter *it = &lp->solver->it;
+    dual_state *ds = lp->dual;
+    int m = s->m, nt = s->ntotal;
+    int *fill = ds->ar_nnb; /* the front of each row while placing */
+    for (int i = 0; i < m; i++) fill[i] = 0;
     for (int j = 0; j < nt; j++)
+        if (it->status[j] != 1)
+            for (int k = s->col_beg[j]; k < s->col_end[j]; k++) fill[s->row_idx[k]]++;
+    /* nonbasic entries from the row start, basic ones from the count */
+    int *back = reinterpret_cast<int *>(ds->work); /* m ints fit in m doubles */
+    for (int i = 0; i < m; i++) back[i] = ds->ar_beg[i] + fill[i];
+    for (int i = 0; i < m; i++) fill[i] = ds->ar_beg[i];
+    for (int j = 0; j < nt; j++) {
+        bool basic = it->status[j] == 1;
         for (int k = s->col_beg[j]; k < s->col_end[j]; k++) {
             int i = s->row_idx[k];
-            ds->ar_idx[fill[i]] = j;
-            ds->ar_val[fill[i]] = s->val[k];
-            fill[i]++;
+            int e = basic ? back[i]++ : fill[i]++;
+            ds->ar_idx[e] = j;
+            ds->ar_val[e] = s->val[k];
+            ds->ar_k[e] = k;
+            ds->ar_pos[k] = e;
         }
-    trv_free(&fill);
-    return 0;
+    }
+    for (int i = 0; i < m; i++) {
+        ds->ar_nnb[i] = fill[i] - ds->ar_beg[i];
+        back[i] = 0;
+    }
+}
+
+static inline void swap_places(dual_state *ds, int a, int b) {
+    if (a == b) return;
+    int ja = ds->ar_idx[a], ka = ds->ar_k[a];
+    double va = ds->ar_val[a];
+    ds->ar_idx[a] = ds->ar_idx[b];
+    ds->ar_val[a] = ds->ar_val[b];
+    ds->ar_k[a] = ds->ar_k[b];
+    ds->ar_pos[ds->ar_k[a]] = a;
+    ds->ar_idx[b] = ja;
+    ds->ar_val[b] = va;
+    ds->ar_k[b] = ka;
+    ds->ar_pos[ka] = b;
+}
+
+/* The basis change in the copy: entering's entries join the basic part of
+ * their rows, leaving's the nonbasic part (an artificial has none). */
+void dual_row_swap(TRVlp lp, int entering, int leaving) {
+    const simplex_lp *s = &lp->solver->splp;
+    dual_state *ds = lp->dual;
+    for (int k = s->col_beg[entering]; k < s->col_end[entering]; k++) {
+        int i = s->row_idx[k];
+        int last = ds->ar_beg[i] + ds->ar_nnb[i] - 1;
+        swap_places(ds, ds->ar_pos[k], last);
+        ds->ar_nnb[i]--;
+    }
+    if (leaving >= s->ntotal) return;
+    for (int k = s->col_beg[leaving]; k < s->col_end[leaving]; k++) {
+        int i = s->row_idx[k];
+        int first = ds->ar_beg[i] + ds->ar_nnb[i];
+        swap_places(ds, ds->ar_pos[k], first);
+        ds->ar_nnb[i]++;
+    }
 }
 
 int dual_state_alloc(TRVenv env, TRVlp lp) {
@@ -89,7 +148,6 @@ int dual_state_alloc(TRVenv env, TRVlp lp) {
     ds->up_on = trv_alloc<signed char>(nc);
     ds->prow = trv_zalloc<double>(nc);
     ds->prow_idx = trv_alloc<int>(nc);
-    ds->pmark = trv_zalloc<char>(nc);
     ds->work = trv_zalloc<double>(m);
     ds->work2 = trv_zalloc<double>(m);
     ds->cand_j = trv_alloc<int>(nc);
@@ -101,7 +159,7 @@ int dual_state_alloc(TRVenv env, TRVlp lp) {
     if (it->y == nullptr) it->y = trv_zalloc<double>(m);
     if (it->dweight == nullptr) it->dweight = trv_alloc<double>(m);
     if (!ds->lower || !ds->upper || !ds->cost || !ds->rhs || !ds->lo_on || !ds->up_on ||
-        !ds->prow || !ds->prow_idx || !ds->pmark || !ds->work || !ds->work2 || !ds->cand_j ||
+        !ds->prow || !ds->prow_idx || !ds->work || !ds->work2 || !ds->cand_j ||
         !ds->cand_ratio || !ds->cand_a || !ds->flip_list || !ds->attempted || !it->d ||
         !it->y || !it->dweight)
         return 1001;
@@ -332,6 +390,7 @@ int dual_refactor(TRVenv env, TRVlp lp) {
     if (st != 0 && st != RC_REPAIRED) return st;
     ds->updates = 0;
     ds->refactored = 1;
+    dual_row_partition(lp);
     if (ds->n_banned > 0) {
         for (int i = 0; i < lp->solver->splp.m; i++)
             if (it->pos_ban[i] == 33) it->pos_ban[i] = 0;
@@ -369,37 +428,35 @@ void dual_pivot_row(TRVlp lp, int p) {
     const simplex_lp *s = &lp->solver->splp;
     const simplex_iter *it = &lp->solver->it;
     dual_state *ds = lp->dual;
-    for (int k = 0; k < ds->prow_nz; k++) {
-        int j = ds->prow_idx[k];
-        ds->prow[j] = 0.0;
-        ds->pmark[j] = 0;
-    }
+    for (int k = 0; k < ds->prow_nz; k++) ds->prow[ds->prow_idx[k]] = 0.0;
     ds->prow_nz = 0;
     sparse_vec *r = &ds->rho;
     sv_clear(r);
     lu_btran_row(lp->factor, r, p);
     if (r->nz < 0) sv_from_dense(r);
     long work = 0;
-    for (int k = 0; k < r->nz; k++) {
-        int i = r->idx[k];
-        work += ds->ar_beg[i + 1] - ds->ar_beg[i];
-    }
+    for (int k = 0; k < r->nz; k++) work += ds->ar_nnb[r->idx[k]];
     const signed char *status = it->status;
     if (work < s->nz_matrix / 2) {
+        /* the nonbasic part of the rows of rho; a sum that cancels to zero
+         * keeps a tiny stand-in so that the list stays without repeats */
+        double *prow = ds->prow;
+        int *list = ds->prow_idx, nz = 0;
         for (int k = 0; k < r->nz; k++) {
             int i = r->idx[k];
             double v = r->val[i];
             if (v == 0.0) continue;
-            for (int e = ds->ar_beg[i]; e < ds->ar_beg[i + 1]; e++) {
-                int j = ds->ar_idx[e];
-                if (status[j] == 1) continue;
-                if (!ds->pmark[j]) {
-                    ds->pmark[j] = 1;
-                    ds->prow_idx[ds->prow_nz++] = j;
-                }
-                ds->prow[j] += v * ds->ar_val[e];
+            const int *idx = ds->ar_idx;
+            const double *val = ds->ar_val;
+            for (int e = ds->ar_beg[i], end = e + ds->ar_nnb[i]; e < end; e++) {
+                int j = idx[e];
+                double old = prow[j];
+                if (old == 0.0) list[nz++] = j;
+                double nw = old + v * val[e];
+                prow[j] = nw != 0.0 ? nw : 1e-300;
             }
         }
+        ds->prow_nz = nz;
     } else {
         const double *rv = r->val;
         for (int j = 0; j < s->ntotal; j++) {
@@ -407,7 +464,6 @@ void dual_pivot_row(TRVlp lp, int p) {
             double v = 0.0;
             for (int k = s->col_beg[j]; k < s->col_end[j]; k++) v += rv[s->row_idx[k]] * s->val[k];
             if (v != 0.0) {
-                ds->pmark[j] = 1;
                 ds->prow_idx[ds->prow_nz++] = j;
                 ds->prow[j] = v;
             }

@@ -70,8 +70,10 @@ struct dual_state {
     sparse_vec fdelta;  /* its solve, by positions */
     double *prow;       /* the pivot row over the nonbasic variables */
     int *prow_idx, prow_nz;
-    char *pmark;
-    int *ar_beg, *ar_idx; /* row-wise copy of the columns 0..ntotal-1 */
+    /* row-wise copy of the columns 0..ntotal-1, each row's nonbasic entries
+     * first (ar_nnb of them); ar_pos: the place of each column entry in
+     * the copy, ar_k: the column entry of each place */
+    int *ar_beg, *ar_nnb, *ar_idx, *ar_pos, *ar_k;
     double *ar_val;
     double *work, *work2; /* m, zero between uses */
     /* ratio test */
@@ -129,6 +131,8 @@ void dual_true_values(TRVlp lp);
 int dual_refactor(TRVenv env, TRVlp lp);
 int dual_refresh(TRVenv env, TRVlp lp);
 void dual_pivot_row(TRVlp lp, int p);
+void dual_row_partition(TRVlp lp);
+void dual_row_swap(TRVlp lp, int entering, int leaving);
 void dual_log(TRVenv env, TRVlp lp, int force);
 void dual_log_detail(TRVenv env, TRVlp lp);
 
