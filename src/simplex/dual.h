@@ -115,6 +115,10 @@ struct dual_state {
 int dual_opt(TRVenv env, TRVlp lp, int it_so_far, int it1_so_far, double start_time,
              int mode, int internal);
 void dual_free(TRVlp lp);
+/* At the end of a primal run whose basis lost primal feasibility with the
+ * removal of the perturbation: 1 when the dual took over (its result code
+ * in *rc and its status on the problem), 0 when the primal goes on. */
+int dual_takeover(TRVenv env, TRVlp lp, int *rc);
 
 /* ---- state and recomputation (doptutil.cpp) ------------------------------- */
 

@@ -190,9 +190,52 @@ static int hand_to_primal(TRVenv env, TRVlp lp) {
     return st;
 }
 
+/* The primal's basis after the removal of its perturbation: primal
+ * infeasible (phase 1 again). With parameter 1063 at 1 the dual takes over
+ * at once; at 0 when the infeasibility is large against the columns and
+ * the basis is far more primal degenerate than dual degenerate. */
+int dual_takeover(TRVenv env, TRVlp lp, int *rc) {
+    *rc = 0;
+    primal_state *ps = lp->primal;
+    int h = par_int(env, 1063);
+    /* a primal that the dual started does not hand back */
+    if (h < 0 || ps == nullptr || ps->phase != 1 || lp->dual != nullptr) return 0;
+    const simplex_lp *s = &lp->solver->splp;
+    const simplex_iter *it = &lp->solver->it;
+    if (h == 0) {
+        if (ps->sum_inf / (s->ntotal + 1) < 1e-4) return 0;
+        int near = 0, zero = 0, nonbasic = 0;
+        for (int i = 0; i < s->m; i++) {
+            int j = it->head[i];
+            double x = it->x[j];
+            if ((s->has_lower[j] && std::fabs(x - ps->lower[j]) <= ps->feas_tol) ||
+                (s->has_upper[j] && std::fabs(x - ps->upper[j]) <= ps->feas_tol))
+                near++;
+        }
+        for (int j = 0; j < s->ntotal; j++) {
+            if (it->status[j] == 1) continue;
+            nonbasic++;
+            if (std::fabs(primal_dj(lp, j)) <= ps->opt_tol) zero++;
+        }
+        double p = double(near) / (s->m > 0 ? s->m : 1);
+        double q = double(zero) / (nonbasic > 0 ? nonbasic : 1);
+        if (!(p > 4.0 * q)) return 0;
+    }
+    int st = start_save(lp, 0);
+    if (st != 0) {
+        *rc = st;
+        return 1;
+    }
+    int keep = par_int(env, 1001);
+    TRVsetintparam(env, 1001, 1);
+    *rc = dual_opt(env, lp, it->n_it, ps->n_it_phase1, ps->start_time, par_int(env, 1009), 1);
+    TRVsetintparam(env, 1001, keep);
+    return 1;
+}
+
 /* Removal of the perturbation and the decision on fresh figures. Returns 1
  * when the main loop must run again, 2 when the primal takes over. */
-static int confirm_optimum(TRVenv env, TRVlp lp, int *err) {
+static int confirm_optimum(TRVenv env, TRVlp lp, int internal, int *err) {
     dual_state *ds = lp->dual;
     *err = 0;
     dual_remove(env, lp);
@@ -212,6 +255,7 @@ static int confirm_optimum(TRVenv env, TRVlp lp, int *err) {
         ds->status = 0;
         int h = par_int(env, 1063);
         int many = lp->solver->splp.n / 10 > 10 ? lp->solver->splp.n / 10 : 10;
+        if (internal) h = -1; /* no hand-back to a primal that handed over */
         if (h == 1 || (h == 0 && ds->n_dinf > many)) return 2;
         return 1;
     }
@@ -226,7 +270,6 @@ static int confirm_optimum(TRVenv env, TRVlp lp, int *err) {
 
 int dual_opt(TRVenv env, TRVlp lp, int it_so_far, int it1_so_far, double start_time,
              int mode, int internal) {
-    (void)internal;
     int pricing = 0;
     int st = dual_pricing_mode(env, lp, mode, &pricing);
     if (st != 0) return st;
@@ -272,7 +315,7 @@ int dual_opt(TRVenv env, TRVlp lp, int it_so_far, int it1_so_far, double start_t
         if (++rounds > 30) break;
         if (ds->status == LPS_OPTIMAL) {
             int err = 0;
-            int again = confirm_optimum(env, lp, &err);
+            int again = confirm_optimum(env, lp, internal, &err);
             if (err != 0) return err;
             if (again == 1) continue;
             if (again == 2) return hand_to_primal(env, lp);
@@ -297,7 +340,7 @@ int dual_opt(TRVenv env, TRVlp lp, int it_so_far, int it1_so_far, double start_t
             if (n_inf == 0 && ds->phase == 2) {
                 ds->status = LPS_OPTIMAL;
                 int err = 0;
-                int again = confirm_optimum(env, lp, &err);
+                int again = confirm_optimum(env, lp, internal, &err);
                 if (err != 0) return err;
                 if (again == 1) continue;
                 if (again == 2) return hand_to_primal(env, lp);
