@@ -34,7 +34,7 @@ int ratio_dual(TRVlp lp, int dir, double slope, int flipping) {
     int *cj = ds->cand_j;
     double *cr = ds->cand_ratio, *ca = ds->cand_a;
     int nc = 0;
-    double max_abs = 0.0;
+    double max_abs = 0.0, row_abs = 0.0;
     ds->n_flip = 0;
     ds->rw_enter = -1;
     ds->rw_step = 0.0;
@@ -43,6 +43,7 @@ int ratio_dual(TRVlp lp, int dir, double slope, int flipping) {
     for (int k = 0; k < ds->prow_nz; k++) {
         int j = ds->prow_idx[k];
         double a = dir * prow[j];
+        if (std::fabs(a) > row_abs && it->status[j] != 1) row_abs = std::fabs(a);
         if (std::fabs(a) <= DR_TINY) continue;
         int st = it->status[j];
         if (st == 1 || it->ban[j] == 32) continue;
@@ -119,7 +120,8 @@ int ratio_dual(TRVlp lp, int dir, double slope, int flipping) {
     }
     ds->rw_enter = enter;
     ds->rw_pivot_abs = enter_abs;
-    if (enter_abs < DR_GOOD && enter_abs < 1e-3 * max_abs) {
+    /* a small pivot against the rest of the row asks for another row */
+    if (enter_abs < DR_GOOD && enter_abs < 1e-3 * row_abs) {
         ds->n_flip = 0;
         return RC_RETRY;
     }
