@@ -2,10 +2,14 @@
  * same run: objective agreement (relative 1e-6), iterations and time, with
  * the totals as ratios against the peer.
  *
- *   netlib_primal [--small] [--peer] [name ...]
+ *   netlib_primal [--small] [--peer] [--check] [name ...]
+ *
+ * TRV_PARAMS="1029:1,1034:-1" sets parameters (a value with '.' or 'e' is a double), TRV_DISPLAY the
+ * display level (the log then goes to the screen).
  *
  * --small keeps the models whose peer time in the reference table is under
- * a second; --peer also runs clp. The folder comes from TRV_DATA_DIR (the
+ * a second; --peer also runs clp; --check prints the largest primal and
+ * dual infeasibility of each solution. The folder comes from TRV_DATA_DIR (the
  * environment) or the build's setting. */
 #include <chrono>
 #include <cmath>
@@ -14,6 +18,7 @@
 #include <cstring>
 #include <set>
 #include <string>
+#include <vector>
 
 #include "support/peer.h"
 #include "trvlib.h"
@@ -22,12 +27,46 @@
 #define TRV_DATA_DIR "../shared/data"
 #endif
 
+/* Largest primal and dual infeasibility of the solution in the model's own
+ * units, as a minimisation. */
+static void quality(TRVenv env, TRVlp lp, double *pinf, double *dinf) {
+    int n = TRVgetnumcols(env, lp), m = TRVgetnumrows(env, lp);
+    std::vector<double> x(n), dj(n), pi(m), slack(m), lb(n), ub(n), rhs(m), rng(m);
+    std::vector<char> sense(m);
+    TRVsolution(env, lp, nullptr, nullptr, x.data(), pi.data(), slack.data(), dj.data());
+    TRVgetlb(env, lp, lb.data(), 0, n - 1);
+    TRVgetub(env, lp, ub.data(), 0, n - 1);
+    TRVgetrhs(env, lp, rhs.data(), 0, m - 1);
+    TRVgetsense(env, lp, sense.data(), 0, m - 1);
+    TRVgetrngval(env, lp, rng.data(), 0, m - 1);
+    double sg = TRVgetobjsen(env, lp) < 0 ? -1.0 : 1.0;
+    *pinf = *dinf = 0.0;
+    for (int j = 0; j < n; j++) {
+        *pinf = std::fmax(*pinf, std::fmax(lb[j] - x[j], x[j] - ub[j]));
+        double d = sg * dj[j];
+        if (x[j] < ub[j] - 1e-9) *dinf = std::fmax(*dinf, -d);
+        if (x[j] > lb[j] + 1e-9) *dinf = std::fmax(*dinf, d);
+    }
+    for (int i = 0; i < m; i++) {
+        double a = rhs[i] - slack[i], lo = -1e30, hi = 1e30;
+        if (sense[i] == 'L') hi = rhs[i];
+        else if (sense[i] == 'G') lo = rhs[i];
+        else if (sense[i] == 'E') lo = hi = rhs[i];
+        else lo = rng[i] >= 0 ? rhs[i] : rhs[i] + rng[i], hi = rng[i] >= 0 ? rhs[i] + rng[i] : rhs[i];
+        *pinf = std::fmax(*pinf, std::fmax(lo - a, a - hi));
+        double p = sg * pi[i];
+        if (a > lo + 1e-9) *dinf = std::fmax(*dinf, p);
+        if (a < hi - 1e-9) *dinf = std::fmax(*dinf, -p);
+    }
+}
+
 int main(int argc, char **argv) {
-    bool small = false, peer = false;
+    bool small = false, peer = false, check = false;
     std::set<std::string> only;
     for (int k = 1; k < argc; k++) {
         if (!std::strcmp(argv[k], "--small")) small = true;
         else if (!std::strcmp(argv[k], "--peer")) peer = true;
+        else if (!std::strcmp(argv[k], "--check")) check = true;
         else only.insert(argv[k]);
     }
     std::string dir = data_dir(TRV_DATA_DIR) + "/netlib";
@@ -41,6 +80,24 @@ int main(int argc, char **argv) {
     const char *disp = std::getenv("TRV_DISPLAY");
     TRVsetintparam(env, 1019, disp ? std::atoi(disp) : 0);
     if (disp) TRVsetintparam(env, 1035, 1);
+    /* TRV_PARAMS="num:value,..." sets parameters (a value with '.' or 'e' is a double) for the run */
+    if (const char *pp = std::getenv("TRV_PARAMS")) {
+        std::string list = pp;
+        size_t at = 0;
+        while (at < list.size()) {
+            size_t comma = list.find(',', at);
+            std::string item = list.substr(at, comma == std::string::npos ? std::string::npos : comma - at);
+            size_t colon = item.find(':');
+            if (colon != std::string::npos) {
+                const char *v = item.c_str() + colon + 1;
+                int num = std::atoi(item.c_str());
+                if (std::strpbrk(v, ".eE") != nullptr) TRVsetdblparam(env, num, std::atof(v));
+                else TRVsetintparam(env, num, std::atoi(v));
+            }
+            if (comma == std::string::npos) break;
+            at = comma + 1;
+        }
+    }
     int tried = 0, agreed = 0, peer_agreed = 0;
     long its = 0, peer_its = 0;
     double secs = 0.0, peer_secs = 0.0;
@@ -80,6 +137,11 @@ int main(int argc, char **argv) {
         std::printf("%-10s %6d %6d %4d %20.10g %20.10g %9.1e %7d %8.3f | %7ld %8.3f %s\n",
                     e.name.c_str(), e.rows, e.cols, st ? -st : stat, z, e.objective, rel, it, t,
                     pr.iterations, pr.seconds, ok ? "" : "MISS");
+        if (check && st == 0) {
+            double pinf, dinf;
+            quality(env, lp, &pinf, &dinf);
+            std::printf("           primal infeasibility %.2e, dual infeasibility %.2e\n", pinf, dinf);
+        }
         std::fflush(stdout);
         TRVfreeprob(env, &lp);
     }

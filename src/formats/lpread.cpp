@@ -201,16 +201,16 @@ int end_row(lp_state *st, double rhs) {
 
 /* ---- expressions -------------------------------------------------------------- */
 
+/* True when [p, end) starts with a number: a sign, then a digit or a point
+ * and a digit. */
+bool number_ahead(const lp_state *st, const char *p, const char *end) {
+    if (p < end && (cls_of(st, *p) & LPC_SIGN)) p++;
+    if (p < end && *p == '.') p++;
+    return p < end && (cls_of(st, *p) & LPC_DIGIT);
+}
+
 int read_rhs(lp_state *st, const char **pp, const char *end) {
-    const char *b = *pp;
-    bool digit = false;
-    for (const char *q = b; q < end && !(cls_of(st, *q) & LPC_SENSE); q++)
-        if (cls_of(st, *q) & LPC_DIGIT) {
-            digit = true;
-            break;
-        }
-    if (!digit || !(cls_of(st, *b) & LPC_NUM) || *b == 'e' || *b == 'E')
-        return env_error(st->env, 1610, st->lineno);
+    if (!number_ahead(st, *pp, end)) return env_error(st->env, 1610, st->lineno);
     double v;
     int status = read_coef(st, pp, end, &v);
     if (status != 0) return status;
@@ -453,7 +453,9 @@ int bound_sense(const lp_state *st, const char **pp, const char *end) {
 }
 
 int bound_value(lp_state *st, const char **pp, const char *end, double *v) {
-    if (*pp == end) return env_error(st->env, 1623, st->lineno);
+    const char *p = *pp;
+    if (p < end && (cls_of(st, *p) & LPC_SIGN)) p++;
+    if (p == end || (cls_of(st, *p) & LPC_SENSE)) return env_error(st->env, 1623, st->lineno);
     const char *stop;
     int status = lp_bound_number(st, *pp, end, v, &stop);
     if (status != 0) return status;
@@ -470,7 +472,7 @@ int bound_column(lp_state *st, const char *b, int len) {
     int n = len > RW_NAMELEN ? RW_NAMELEN : len;
     std::memcpy(tok, b, n);
     tok[n] = '\0';
-    if (len == 0 || !(cls_of(st, b[0]) & LPC_NAME) || exponent_like(b, len)) {
+    if (len > 0 && (!(cls_of(st, b[0]) & LPC_NAME) || exponent_like(b, len))) {
         TRVmsg(st->env->warnchannel, "Line %d: '%s' not valid identifier.\n", st->lineno, tok);
         return -1;
     }
@@ -945,7 +947,7 @@ int check_repeats(lp_state *st, const read_model *m) {
 }
 
 int assemble_sets(lp_state *st, read_model *m) {
-    if (P.nsos == 0 || m->ctype == nullptr) return 0;
+    if (P.nsos == 0) return 0;
     m->numsos = P.nsos;
     m->numsosnz = P.nsosnz;
     m->sostype = st->sostype, st->sostype = nullptr;
@@ -1044,7 +1046,7 @@ static int lp_export(TRVenv env, const char *filename, int want, const rm_out *o
     std::memset(&m, 0, sizeof m);
     if (status == 0) status = lp_read(env, filename, want, &m);
     const char *source = filename != nullptr ? filename : "<stdin>";
-    if (status == 0 && !(want & RM_INTS) && m.nints > 0)
+    if (status == 0 && !(want & RM_INTS) && (m.nints > 0 || m.numsos > 0))
         TRVmsg(env->warnchannel, "Problem %s contains integer variable declarations, ignored.\n",
                source);
     if (status == 0 && !(want & RM_QUAD) && m.nquad > 0)

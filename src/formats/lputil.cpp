@@ -23,20 +23,20 @@ void lp_classes(unsigned short *cls) {
     for (const char *p = "<=>"; *p; p++) cls[static_cast<unsigned char>(*p)] |= LPC_SENSE;
     for (const char *p = "0123456789+-.eE"; *p; p++)
         cls[static_cast<unsigned char>(*p)] |= LPC_NUM;
-    cls['e'] |= LPC_EXP;
-    cls['E'] |= LPC_EXP;
+    cls[static_cast<unsigned char>('e')] |= LPC_EXP;
+    cls[static_cast<unsigned char>('E')] |= LPC_EXP;
     for (int c = 0; c < 256; c++)
         if (cls[c] & (LPC_NAME | LPC_SENSE | LPC_NUM)) cls[c] |= LPC_OK;
     for (const char *p = ":*[]^ \t"; *p; p++) cls[static_cast<unsigned char>(*p)] |= LPC_OK;
     cls[0] |= LPC_EOL;
     for (const char *p = "\n\f\r\\"; *p; p++) cls[static_cast<unsigned char>(*p)] |= LPC_EOL;
     for (int c = '0'; c <= '9'; c++) cls[c] |= LPC_DIGIT;
-    cls['+'] |= LPC_SIGN;
-    cls['-'] |= LPC_SIGN;
+    cls[static_cast<unsigned char>('+')] |= LPC_SIGN;
+    cls[static_cast<unsigned char>('-')] |= LPC_SIGN;
     for (int c = 0; c < 256; c++)
         if (std::isspace(c)) cls[c] |= LPC_SPACE;
-    cls[' '] |= LPC_SPACE;
-    cls['\t'] |= LPC_SPACE;
+    cls[static_cast<unsigned char>(' ')] |= LPC_SPACE;
+    cls[static_cast<unsigned char>('\t')] |= LPC_SPACE;
     for (const char *p = " \t:<=>+-*[]^"; *p; p++)
         cls[static_cast<unsigned char>(*p)] |= LPC_DELIM;
     for (int c = 0; c < 256; c++)

@@ -65,10 +65,15 @@ struct mps_work {
     int objsen;
     /* counted messages */
     int rowrepeats, colrepeats, objwarn, freewarn, bndsets, priwarn;
+    int colfail; /* the code of the first repeat in COLUMNS */
     bool emptywarned;
 };
 
 template <class T> int grow_to(T **p, int cap) {
+    if (*p == nullptr) {
+        *p = trv_alloc<T>(static_cast<size_t>(cap));
+        return *p == nullptr ? 1001 : 0;
+    }
     return trv_grow(p, static_cast<size_t>(cap));
 }
 
@@ -272,14 +277,7 @@ int open_set(mps_state *st, mps_work *w, char type) {
     if (w->nsos >= w->soscap) {
         int cap = next_cap(w->soscap, w->nsos + 1);
         if (grow_to(&w->sostype, cap) || grow_to(&w->sosbeg, cap + 1)) return 1001;
-        char **names = w->sosname;
-        if (names == nullptr) {
-            names = trv_zalloc<char *>(cap);
-            if (names == nullptr) return 1001;
-        } else if (grow_to(&names, cap) != 0) {
-            return 1001;
-        }
-        w->sosname = names;
+        if (grow_to(&w->sosname, cap) != 0) return 1001;
         w->soscap = cap;
     }
     (void)st;
@@ -293,13 +291,7 @@ int open_set(mps_state *st, mps_work *w, char type) {
 int add_member(mps_work *w, int col, double weight) {
     if (w->nsosnz >= w->sosnzcap) {
         int cap = next_cap(w->sosnzcap, w->nsosnz + 1);
-        if (w->sosind == nullptr) {
-            w->sosind = trv_alloc<int>(cap);
-            w->sosref = trv_alloc<double>(cap);
-            if (w->sosind == nullptr || w->sosref == nullptr) return 1001;
-        } else if (grow_to(&w->sosind, cap) || grow_to(&w->sosref, cap)) {
-            return 1001;
-        }
+        if (grow_to(&w->sosind, cap) || grow_to(&w->sosref, cap)) return 1001;
         w->sosnzcap = cap;
     }
     w->sosind[w->nsosnz] = col;
@@ -352,6 +344,7 @@ int column_of(mps_state *st, mps_work *w) {
     if (j < 0) return status;
     if (j < before) {
         /* a column in two separate runs: counted, the read fails later */
+        if (w->colfail == 0) w->colfail = 1446;
         if (++w->colrepeats <= 20) env_error(st->env, 1446, f->text);
         w->cur = -2;
         return 0;
@@ -379,6 +372,7 @@ int column_entry(mps_state *st, mps_work *w, const mps_field *rf, const mps_fiel
     int j = w->cur;
     if (j < 0) return 0; /* a repeated column's run */
     if (w->rowmark[r] == j) {
+        if (w->colfail == 0) w->colfail = 1443;
         if (++w->colrepeats <= 20)
             env_error(st->env, 1443, nameset_name(w->cols, j), rf->text);
         return 0;
@@ -443,7 +437,7 @@ int finish_columns(mps_state *st, mps_work *w) {
     if (w->colrepeats > 20)
         TRVmsg(st->env->errchannel, "%d Column repeats messages not printed.\n",
                w->colrepeats - 20);
-    if (w->colrepeats > 0) return -1446;
+    if (w->colrepeats > 0) return -w->colfail;
     return 0;
 }
 
@@ -681,14 +675,7 @@ int read_qterm(mps_state *st, mps_work *w) {
     if (status != 0) return status;
     if (w->nq >= w->qcap) {
         int cap = next_cap(w->qcap, w->nq + 1);
-        if (w->qi == nullptr) {
-            w->qi = trv_alloc<int>(cap);
-            w->qj = trv_alloc<int>(cap);
-            w->qv = trv_alloc<double>(cap);
-            if (!w->qi || !w->qj || !w->qv) return 1001;
-        } else if (grow_to(&w->qi, cap) || grow_to(&w->qj, cap) || grow_to(&w->qv, cap)) {
-            return 1001;
-        }
+        if (grow_to(&w->qi, cap) || grow_to(&w->qj, cap) || grow_to(&w->qv, cap)) return 1001;
         w->qcap = cap;
     }
     w->qi[w->nq] = a;
@@ -861,7 +848,7 @@ int section_step(mps_state *st, int state, int code) {
         if (code == MS_COLUMNS) return 1;
         return env_error(env, 1472, st->lineno);
     }
-    if (code > state && code >= MS_RANGES) {
+    if (known && code > state && code >= MS_RANGES) {
         if (state == MS_COLUMNS && code != MS_RHS)
             TRVmsg(env->warnchannel, "Warning, line %d:  %s section missing or out of order.\n",
                    st->lineno, "RHS");
@@ -1087,9 +1074,10 @@ int hand_cols(TRVenv env, mps_work *w, read_model *m) {
 }
 
 int hand_ints(mps_work *w, read_model *m) {
-    if (m->nints == 0) return 0;
-    m->ctype = w->ctype, w->ctype = nullptr;
-    for (int j = m->ncols; j < m->colspace; j++) m->ctype[j] = 'C';
+    if (m->nints > 0) {
+        m->ctype = w->ctype, w->ctype = nullptr;
+        for (int j = m->ncols; j < m->colspace; j++) m->ctype[j] = 'C';
+    }
     if (w->nsos > 0) {
         m->numsos = w->nsos;
         m->numsosnz = w->nsosnz;
@@ -1168,10 +1156,12 @@ static int mps_export(TRVenv env, const char *filename, int want, const rm_out *
     read_model m;
     std::memset(&m, 0, sizeof m);
     if (status == 0) status = mps_read(env, filename, want | RM_INTS | RM_QUAD, &m);
-    if (status == 0 && !(want & RM_INTS) && m.nints > 0) {
+    if (status == 0 && !(want & RM_INTS) && (m.nints > 0 || m.numsos > 0)) {
         TRVmsg(env->warnchannel, "Problem %s contains integer variable declarations, ignored.\n",
                filename);
         trv_free(&m.ctype);
+        trv_free(&m.sostype), trv_free(&m.sosbeg), trv_free(&m.sosind), trv_free(&m.sosref);
+        m.numsos = m.numsosnz = 0;
     }
     if (status == 0 && !(want & RM_QUAD) && m.nquad > 0)
         TRVmsg(env->warnchannel, "Problem contains quadratic objective coefficients, ignored.\n");

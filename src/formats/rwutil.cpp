@@ -406,7 +406,7 @@ static int readcopy_checks(TRVlp lp, const char *filename) {
 /* Copies what was read into the problem; the problem keeps its old model
  * until here. */
 static int readcopy_apply(TRVenv env, TRVlp lp, read_model *m) {
-    if (m->nints > 0)
+    if (m->nints > 0 || m->numsos > 0)
         TRVmsg(env->warnchannel, "Problem contains integer declarations, ignored.\n");
     if (m->nquad > 0)
         TRVmsg(env->warnchannel,

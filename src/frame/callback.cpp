@@ -55,7 +55,7 @@ int cb_call(TRVenv env, int fam, void *cbdata, int wherefrom) {
 }
 
 /* The places whose optimisers have not landed: the whichinfo numbers of
- * Part 1.5 are checked, and with no solver state the answer is 1006. */
+ * the callback frame are checked, and with no solver state the answer is 1006. */
 static int cbinfo_nostate(void *cbdata, int wherefrom, int whichinfo) {
     if (cbdata == nullptr) return 1006;
     bool known;
@@ -71,7 +71,7 @@ static int cbinfo_nostate(void *cbdata, int wherefrom, int whichinfo) {
     case 7:
         known = whichinfo >= 13 && whichinfo <= 16;
         break;
-    default: /* 101 to 111: the MIP's places, Part 8.15 */
+    default: /* 101 to 111: the MIP's places */
         known = whichinfo >= 1 && whichinfo <= 17;
         break;
     }

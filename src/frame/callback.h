@@ -1,5 +1,5 @@
 /*
- * callback.h - the call point of the progress callbacks (Part 1.5) and the
+ * callback.h - the call point of the progress callbacks and the
  * answer functions of TRVgetcallbackinfo per optimiser place.
  */
 #ifndef TRV_FRAME_CALLBACK_H

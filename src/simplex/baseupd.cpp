@@ -1,5 +1,5 @@
 /*
- * baseupd.cpp - the Forrest-Tomlin update of Part 4.2: the spike of the
+ * baseupd.cpp - the Forrest-Tomlin update: the spike of the
  * entering column replaces a column of U, the leaving row is eliminated by
  * one row eta, and the pair (row, basis position) moves to a new last
  * position. Also the stability check before an update and the automatic
@@ -270,7 +270,7 @@ int lu_update_store(lu_record *f, int p, double /*alpha*/) {
 
 /* The automatic refactorization rule; true when the factor should be
  * rebuilt now. */
-static bool refactor_due(lu_record *f, const simplex_lp *s, int c) {
+static bool refactor_due(lu_record *f, const simplex_lp *s, int c, int64_t nz_now) {
     if (!f->update_auto) return false;
     double fnz = f->nz_basis > 0 ? double(f->nz_basis2) * double(f->nz_lu) / double(f->nz_basis)
                                  : double(f->nz_lu);
@@ -278,7 +278,7 @@ static bool refactor_due(lu_record *f, const simplex_lp *s, int c) {
     double cost = ((a + fnz) * c + double(f->nz_sum)) / double(f->update_count + 1);
     if (cost > f->avg_cost && f->update_count >= 61) return true;
     f->avg_cost = cost;
-    f->nz_sum += f->nz_lu_now;
+    f->nz_sum += nz_now;
     return false;
 }
 
@@ -297,9 +297,12 @@ int lu_update(TRVenv env, TRVlp lp) {
         if (f->spike_nz < 0) lu_make_spike(f, &sv->splp, q);
         if (f->row_nz < 0 || f->rspike_pos != p) lu_row_spike(f, p);
         /* 2, 3. the growth enters the automatic rule; c is 20 until the
-         * pricing structures of Parts 4.4 and 4.5 tell otherwise */
+         * primal and dual pricing structures tell otherwise */
         int c = 20;
-        if (refactor_due(f, &sv->splp, c)) refactor = true;
+        int kp = f->pos_of_col[p];
+        int64_t growth = int64_t(f->row_nz) - f->ur_len[f->perm_row[kp]] - f->uc_len[p] +
+                         f->spike_nz;
+        if (refactor_due(f, &sv->splp, c, f->nz_lu_now + growth)) refactor = true;
     }
     if (!refactor) {
         /* 4, 5. the storage step, the fill factors kept */

@@ -1,8 +1,8 @@
 /*
  * cbinfo.cpp - the answers of TRVgetcallbackinfo at the simplex places
- * (Part 1.5): wherefrom 1 (primal) and 2 (dual). The figures that need the
+ * wherefrom 1 (primal) and 2 (dual). The figures that need the
  * state of a running driver come from the driver's answer function, set in
- * the solver record when the drivers of Parts 4.7 and 4.8 run.
+ * the solver record when the primal and dual drivers run.
  */
 #include "frame/callback.h"
 #include "simplex/splp.h"

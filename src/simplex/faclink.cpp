@@ -1,5 +1,5 @@
 /*
- * faclink.cpp - the recovery ladder around the factorization (Part 4.1):
+ * faclink.cpp - the recovery ladder around the factorization:
  * lu_refactor for the drivers, lu_crash_factor for the starting basis, and
  * basis_repair, which rewrites the basis header after a singularity.
  */

@@ -1,5 +1,5 @@
 /*
- * factor.cpp - the basis factorization (Part 4.1): a right-looking
+ * factor.cpp - the basis factorization: a right-looking
  * Markowitz LU with threshold pivoting, preceded by the column- and
  * row-singleton passes and followed by a dense tail when the active
  * submatrix has become dense.
@@ -12,7 +12,7 @@
  *
  * During the elimination L is written by steps and U by steps (the pivot
  * rows, scaled by the pivot's reciprocal); at the end the solve structures
- * of Part 4.2 are built from them.
+ * of the update are built from them.
  */
 #include <algorithm>
 #include <cmath>
@@ -598,7 +598,7 @@ static int singleton_pass(fac_ctx &x, int which, double t, int *step, int *count
     return 0;
 }
 
-/* The pivot search of Part 4.1. Returns 0 with (*pr, *pc) or 1256. */
+/* The Markowitz pivot search. Returns 0 with (*pr, *pc) or 1256. */
 static int pivot_search(lu_record *f, double u, double t, int *pr, int *pc) {
     for (int c = f->cc_head[1]; c >= 0;) {
         int nx = f->cc_next[c];
@@ -1025,8 +1025,8 @@ int lu_factor_on(lu_record *f, const simplex_lp *s, const int *head, int ncols,
         lu_release_big(f);
         return 1001;
     }
-    if (rowmap != f->rowmap) std::memcpy(rowmap, f->rowmap, m * sizeof(int));
-    if (colmap != f->colmap) std::memcpy(colmap, f->colmap, ncols * sizeof(int));
+    if (rowmap != f->rowmap && m > 0) std::memcpy(rowmap, f->rowmap, m * sizeof(int));
+    if (colmap != f->colmap && ncols > 0) std::memcpy(colmap, f->colmap, ncols * sizeof(int));
     if (result == 2000) return 2000;
     if (result == 0 && (step < m || step < ncols)) result = 1256;
     for (int r = 0; r < m; r++) f->rf_room[r] = 0;

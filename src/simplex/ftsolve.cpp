@@ -1,6 +1,6 @@
 /*
- * ftsolve.cpp - the forward and backward solves with the LU of Part 4.1
- * and its row etas (Part 4.2), each with a dense sweep and a hyper-sparse
+ * ftsolve.cpp - the forward and backward solves with the LU
+ * and its row etas, each with a dense sweep and a hyper-sparse
  * path driven by a heap of pivot positions.
  *
  * Scratch that must be zero between calls: sparse_work (row space), work2

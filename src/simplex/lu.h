@@ -1,6 +1,6 @@
 /*
- * lu.h - the basis factorization (Part 4.1), its solves and the
- * Forrest-Tomlin update (Part 4.2).
+ * lu.h - the basis factorization, its solves and the
+ * Forrest-Tomlin update.
  *
  * The factor of B (columns = basis positions 0..m-1) is kept as
  *
@@ -144,7 +144,7 @@ struct lu_record {
     int solve_path; /* 0 automatic, 1 dense, 2 hyper-sparse */
 };
 
-/* ---- Part 4.1 ------------------------------------------------------------ */
+/* ---- factorization -------------------------------------------------------- */
 
 int lu_alloc(TRVenv env, TRVlp lp);
 void lu_free(TRVlp lp);
@@ -174,7 +174,7 @@ int lu_crash_factor(TRVenv env, TRVlp lp, int ncols, const int *head,
 int basis_repair(TRVenv env, TRVlp lp, const int *rowmap, const int *colmap,
                  int keep_values);
 
-/* ---- Part 4.2 ------------------------------------------------------------ */
+/* ---- solves and upd ------------------------------------------------------- */
 
 /* rhs by rows, result by basis positions; result may be rhs. */
 void lu_ftran(lu_record *lu, sparse_vec *result, sparse_vec *rhs);

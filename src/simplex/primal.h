@@ -134,6 +134,7 @@ struct primal_state {
     int flipped;
     int display;
     int reinclude_tried;
+    int polished;         /* the optimum was rechecked at a tighter tolerance */
 };
 
 /* ---- driver (primopt.cpp) ---------------------------------------------- */

@@ -121,6 +121,37 @@ static void elapsed_print(TRVenv env, TRVlp lp) {
     ps->last_elapsed_it = n;
 }
 
+/* The automatic switch from partial pricing to devex, weighing the work of
+ * the entering columns against the size of the factorization. Value -1 of
+ * the pricing family means partial pricing that never switches. */
+static int devex_switch(TRVenv env, TRVlp lp) {
+    primal_state *ps = lp->primal;
+    if (ps->pricing != 0 || ps->partial == nullptr) return 0;
+    const simplex_lp *s = &lp->solver->splp;
+    const lu_record *lu = lp->factor;
+    double v = static_cast<double>(lu->nz_lu) + 1e-10;
+    double w = static_cast<double>(ps->work_pivots) - static_cast<double>(lu->nz_basis);
+    double i = lp->solver->it.n_it, n = s->nstruct + 1e-10;
+    bool go;
+    if (ps->perturb.active && !par_int(env, 1027) && w < 5.0 * v) go = true;
+    else if (ps->phase == 2 && 9.0 * v > 4.0 * w) go = true;
+    else if (s->m >= 1000 && 2.0 * v > 3.0 * w) go = true;
+    else go = w / v < 2.0 * (i / n);
+    if (!go) return 0;
+    int st = primal_price_init(env, lp, 1);
+    if (st == 1001) {
+        TRVmsg(env->errchannel, "Not enough memory for devex.\n");
+        primal_price_init(env, lp, 0);
+        ps->pricing = -1;
+        return 0;
+    }
+    if (st != 0) return st;
+    primal_compute_d(lp);
+    if (ps->display > 0)
+        TRVmsg(env->reschannel, i > 0 ? "Switched to devex.\n" : "Using devex.\n");
+    return 0;
+}
+
 /* The main loop until a decision, a limit or an error. */
 static int main_loop(TRVenv env, TRVlp lp) {
     simplex_iter *it = &lp->solver->it;
@@ -138,7 +169,9 @@ static int main_loop(TRVenv env, TRVlp lp) {
             break;
         }
         int phase_before = ps->phase;
-        int st = primal_iterate(env, lp);
+        int st = devex_switch(env, lp);
+        if (st != 0) return st;
+        st = primal_iterate(env, lp);
         if (st != 0) return st;
         if (ps->status != 0) break;
         st = objective_limit(env, lp);
@@ -198,6 +231,26 @@ static bool unscaled_infeasible(TRVlp lp) {
         if (v > ps->feas_tol) return true;
     }
     return false;
+}
+
+/* Largest dual infeasibility of the nonbasic variables in the caller's
+ * units; 0 for an unscaled model. */
+static double unscaled_dual_infeas(TRVlp lp) {
+    const lp_data *d = lp->lpdata;
+    if (d->colscale == nullptr) return 0.0;
+    const simplex_lp *s = &lp->solver->splp;
+    const simplex_iter *it = &lp->solver->it;
+    const primal_state *ps = lp->primal;
+    double worst = 0.0;
+    for (int j = 0; j < s->ntotal; j++) {
+        if (it->status[j] == 1 || it->ban[j] != 0) continue;
+        if (it->status[j] != 3 && ps->upper[j] <= ps->lower[j]) continue;
+        double a = -primal_attract(it, j, it->d[j]);
+        if (a <= 0.0) continue;
+        a *= j < s->nstruct ? d->colscale[j] : 1.0 / d->rowscale[s->row_of_var[j]];
+        if (a > worst) worst = a;
+    }
+    return worst;
 }
 
 int primal_opt(TRVenv env, TRVlp lp, int it_so_far, int it1_so_far,
@@ -262,6 +315,25 @@ int primal_opt(TRVenv env, TRVlp lp, int it_so_far, int it1_so_far,
             if (lost) {
                 ps->status = 0;
                 continue;
+            }
+            if (ps->status == LPS_OPTIMAL) {
+                /* a scaled optimum must also be one in the caller's units */
+                if (!ps->d_kept) primal_compute_d(lp);
+                double w = unscaled_dual_infeas(lp);
+                if (w > par_dbl(env, 1014) && ps->opt_tol > 1e-12) {
+                    ps->opt_tol = std::fmax(ps->opt_tol * par_dbl(env, 1014) / w, 1e-12);
+                    ps->status = 0;
+                    continue;
+                }
+                /* one polishing round at a tenth of the tolerance: the
+                 * reduced costs just inside it can still move the
+                 * objective visibly on models with large values */
+                if (!ps->polished) {
+                    ps->polished = 1;
+                    ps->opt_tol *= 0.1;
+                    ps->status = 0;
+                    continue;
+                }
             }
         }
         if (tolerance_reset(env, lp, &tol_events)) continue;

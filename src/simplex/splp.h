@@ -32,15 +32,15 @@ struct simplex_lp {
     double *lower, *upper, *cost;
     signed char *has_lower, *has_upper;
     double sense; /* 1 minimise, -1 maximise */
-    double *rowscale, *colscale; /* unit until Part 2.5 scales the copy */
+    double *rowscale, *colscale; /* unit until scaling scales the copy */
     double fill_row, fill_col;   /* the two fill factors of the LU files */
     double harris_primal, harris_dual; /* Harris relaxations kept between runs */
     int *slack_of_row;  /* the slack of each row, or its artificial */
     int *row_of_var;    /* for range columns, slacks and artificials: the row */
 };
 
-/* The iteration state and basis of a run, as far as Parts 4.1 and 4.2 use
- * them. The drivers (Parts 4.7, 4.8) extend this record. */
+/* The iteration state and basis of a run, as far as the factorization
+ * and its update use them. The drivers extend this record. */
 struct simplex_iter {
     int *head;            /* m: the variable in each basis position */
     signed char *status;  /* ncoltot: 0 lower, 1 basic, 2 upper, 3 superbasic */
@@ -79,7 +79,7 @@ struct solver_rec {
 int simplex_build(TRVenv env, TRVlp lp);
 void simplex_free(TRVlp lp);
 
-/* The fixing allowance of Part 4.1 from m and parameter 1037. */
+/* The fixing allowance of the basis repair from m and parameter 1037. */
 int simplex_fix_allowance(TRVenv env, int m);
 
 /* Name of variable j for messages ("range <row>" is added by the caller). */

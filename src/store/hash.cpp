@@ -76,7 +76,7 @@ static int namehash_findn(const namehash *h, const char *key, size_t len,
     *bucket_p = b;
     for (int e = h->bucket[b]; e != -1; e = h->entry[e].next) {
         const char *k = h->entry[e].key;
-        if (k[0] == key[0] && std::memcmp(k, key, len) == 0 && k[len] == '\0')
+        if ((len == 0 || k[0] == key[0]) && std::memcmp(k, key, len) == 0 && k[len] == '\0')
             return h->entry[e].value;
     }
     return -1;

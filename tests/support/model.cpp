@@ -32,14 +32,14 @@ void Model::col(double c, double l, double u,
         matind.push_back(e.first);
         matval.push_back(e.second);
     }
-    colnames.push_back(nm.empty() ? "x" + std::to_string(obj.size()) : nm);
+    colnames.push_back(nm.empty() ? std::string("x").append(std::to_string(obj.size())) : nm);
 }
 
 void Model::row(char s, double r, double rng, const std::string &nm) {
     sense.push_back(s);
     rhs.push_back(r);
     rngval.push_back(rng);
-    rownames.push_back(nm.empty() ? "r" + std::to_string(rhs.size()) : nm);
+    rownames.push_back(nm.empty() ? std::string("r").append(std::to_string(rhs.size())) : nm);
 }
 
 TRVlp Model::copy_into(TRVenv env, int *status) const {
