@@ -233,6 +233,38 @@ int dual_takeover(TRVenv env, TRVlp lp, int *rc) {
     return 1;
 }
 
+/* The largest violation in the caller's units of a scaled run: of a bound
+ * by a basic value (dual 0) or of the sign of a reduced cost (dual 1). */
+static double unscaled_violation(TRVlp lp, int dual) {
+    const lp_data *d = lp->lpdata;
+    if (d->colscale == nullptr) return 0.0;
+    const simplex_lp *s = &lp->solver->splp;
+    const simplex_iter *it = &lp->solver->it;
+    const dual_state *ds = lp->dual;
+    double worst = 0.0;
+    if (!dual) {
+        for (int i = 0; i < s->m; i++) {
+            int j = it->head[i];
+            double x = it->x[j], v = 0.0;
+            if (ds->lo_on[j] && x < ds->lower[j]) v = ds->lower[j] - x;
+            if (ds->up_on[j] && x > ds->upper[j]) v = x - ds->upper[j];
+            if (v == 0.0 || j >= s->ntotal) continue;
+            v = j < s->nstruct ? v / d->colscale[j] : v * d->rowscale[s->row_of_var[j]];
+            if (v > worst) worst = v;
+        }
+        return worst;
+    }
+    for (int j = 0; j < s->ntotal; j++) {
+        if (it->status[j] == 1) continue;
+        if (ds->lo_on[j] && ds->up_on[j]) continue; /* boxed: a flip fixes it */
+        double v = dual_infeasibility(ds, it, j);
+        if (v == 0.0) continue;
+        v *= j < s->nstruct ? d->colscale[j] : 1.0 / d->rowscale[s->row_of_var[j]];
+        if (v > worst) worst = v;
+    }
+    return worst;
+}
+
 /* Removal of the perturbation and the decision on fresh figures. Returns 1
  * when the main loop must run again, 2 when the primal takes over. */
 static int confirm_optimum(TRVenv env, TRVlp lp, int internal, int *err) {
@@ -263,6 +295,23 @@ static int confirm_optimum(TRVenv env, TRVlp lp, int internal, int *err) {
     dual_pinf(lp, ds->feas_tol, &n_inf);
     if (n_inf > 0) {
         ds->status = 0;
+        return 1;
+    }
+    /* a scaled optimum must also be one in the caller's units: the
+     * working tolerance that let a violation through is tightened */
+    double w = unscaled_violation(lp, 0);
+    double tol = par_dbl(env, 1016);
+    if (w > tol && ds->feas_tol > 1e-12) {
+        ds->feas_tol = std::fmax(ds->feas_tol * tol / w, 1e-12);
+        ds->status = 0;
+        return 1;
+    }
+    w = unscaled_violation(lp, 1);
+    tol = par_dbl(env, 1014);
+    if (w > tol && ds->dual_tol > 1e-12) {
+        ds->dual_tol = std::fmax(ds->dual_tol * tol / w, 1e-12);
+        ds->status = 0;
+        dual_set_phase(lp);
         return 1;
     }
     return 0;
