@@ -74,6 +74,7 @@ int main(int argc, char **argv) {
     TRVenv env = TRVopenTORVA(&st);
     const char *disp = std::getenv("TRV_DISPLAY");
     TRVsetintparam(env, 1019, disp ? std::atoi(disp) : 0);
+    if (disp) TRVsetintparam(env, 1035, 1);
     int tried = 0, agreed = 0, peer_agreed = 0, ratios = 0;
     long its = 0, peer_its = 0;
     double secs = 0.0, peer_secs = 0.0, logsum = 0.0, logsolve = 0.0;

@@ -108,6 +108,7 @@ struct dual_state {
     int dual_unbounded_events;
     int norms_ready;
     int flip_count;
+    int polished;         /* the optimum was checked at tightened tolerances */
 };
 
 /* ---- driver (dualopt.cpp) -------------------------------------------------- */

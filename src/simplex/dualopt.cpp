@@ -314,6 +314,25 @@ static int confirm_optimum(TRVenv env, TRVlp lp, int internal, int *err) {
         dual_set_phase(lp);
         return 1;
     }
+    /* one polishing round at a tenth of both tolerances: reduced costs
+     * and violations just inside them can still move the objective
+     * visibly on models with large values */
+    if (!ds->polished) {
+        ds->polished = 1;
+        ds->dual_tol *= 0.1;
+        ds->feas_tol *= 0.1;
+        if (dual_count_dinf(lp, ds->dual_tol, nullptr) > 0) {
+            ds->status = 0;
+            dual_set_phase(lp);
+            return 1;
+        }
+        if (dual_fix_boxed(lp) > 0) dual_compute_x(lp);
+        dual_pinf(lp, ds->feas_tol, &n_inf);
+        if (n_inf > 0) {
+            ds->status = 0;
+            return 1;
+        }
+    }
     return 0;
 }
 
