@@ -347,6 +347,55 @@ TEST(DualoptLimits, ObjectiveUpperLimitStopsAMinimisation) {
     TRVfreeprob(te.env, &lp);
 }
 
+TEST(DualoptLimits, ObjectiveLowerLimitStopsAMaximisation) {
+    TestEnv te;
+    TRVsetintparam(te.env, 1019, 0);
+    /* max -2x - 3y - z with 'G' rows: the slack basis is dual feasible and
+     * the dual bound falls from 0 toward the optimum; stop below -1 */
+    ASSERT_EQ(TRVsetdblparam(te.env, 1025, -1.0), 0);
+    Model md = diet();
+    md.objsen = -1;
+    for (double &c : md.obj) c = -c;
+    TRVlp lp = md.copy_into(te.env);
+    ASSERT_EQ(TRVdualopt(te.env, lp), 0);
+    EXPECT_EQ(TRVgetstat(te.env, lp), 4);
+    /* without the limit the same run reaches the optimum */
+    ASSERT_EQ(TRVsetdblparam(te.env, 1025, -1e75), 0);
+    Solution s;
+    ASSERT_EQ(solve_dual(te.env, lp, s), 0);
+    EXPECT_EQ(s.stat, 1);
+    EXPECT_LT(s.obj, -1.0);
+    EXPECT_EQ(check_kkt(md, s), "");
+    TRVfreeprob(te.env, &lp);
+}
+
+TEST(DualoptLimits, TimeLimitStopsARun) {
+    TestEnv te;
+    TRVsetintparam(te.env, 1019, 0);
+    ASSERT_EQ(TRVsetdblparam(te.env, 1039, 1e-9), 0);
+    Model md = transportation(12, 12);
+    TRVlp lp = md.copy_into(te.env);
+    ASSERT_EQ(TRVdualopt(te.env, lp), 0);
+    int stat = TRVgetstat(te.env, lp);
+    EXPECT_TRUE(stat == 7 || stat == 8) << stat;
+    EXPECT_LE(TRVgetitcnt(te.env, lp), 25);
+    TRVfreeprob(te.env, &lp);
+}
+
+TEST(DualoptKnown, DualInfeasibleFreeColumnEntersInPhaseTwo) {
+    /* min x + y - z with z free and bounded only through the rows: the
+     * slack basis leaves z dual infeasible */
+    Model md;
+    md.row('L', 4.0);
+    md.row('G', -2.0);
+    md.col(1.0, 0.0, 1e20, {{0, 1.0}, {1, 1.0}});
+    md.col(1.0, 0.0, 1e20, {{0, -1.0}});
+    md.col(-1.0, -1e20, 1e20, {{0, 1.0}, {1, -1.0}});
+    Both r(md);
+    r.expect_agree(md, "free column");
+    EXPECT_NEAR(r.d.obj, -2.0, 1e-9); /* z = x + 2, y = 0 */
+}
+
 TEST(DualoptLog, DisplayLevels) {
     Model md = diet();
     {
