@@ -173,10 +173,11 @@ int dual_shift_cost(TRVlp lp, int j, double amount);
 /* ---- stored basis and norms on the problem (dstart.cpp) ------------------- */
 
 struct start_rec {
-    int ncols, nrows;       /* nstruct and rows of the model when saved */
-    signed char *cstat;     /* status of the structural and range columns */
-    signed char *rstat;     /* status of the row's slack or artificial */
-    double *cnorm, *rnorm;  /* dual norms of the basic ones, 0 if none */
+    int ncols, nrows;       /* structural columns and rows when saved */
+    signed char *cstat;     /* status of each structural column */
+    signed char *rstat;     /* status of each row's slack or artificial */
+    signed char *gstat;     /* status of each row's range column, or -1 */
+    double *cnorm, *rnorm, *gnorm; /* dual norms of the basic ones, 0 if none */
     int has_norms;
 };
 

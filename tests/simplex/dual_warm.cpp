@@ -5,7 +5,9 @@
  * conditions of the changed model and matches a solve from scratch. */
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
+#include <vector>
 
 #include "simplex/dual.h"
 #include "support/kkt.h"
@@ -114,5 +116,57 @@ TEST(DualWarm, StoredNormsFillMissingPositions) {
     EXPECT_NE(te.res.find("Reinitializing dual norms . . .\n"), std::string::npos) << te.res;
     EXPECT_NE(te.res.find("Computed "), std::string::npos) << te.res;
     EXPECT_EQ(s.stat, 1);
+    TRVfreeprob(te.env, &lp);
+}
+
+TEST(DualWarm, AddedRowsAndColumnStartFromTheKeptBasis) {
+    /* the basis of a model carried to the same model with a cut, a ranged
+     * row and a new column, as the row and column additions leave it: the
+     * new rows enter with their slacks basic and the column nonbasic */
+    TestEnv te;
+    TRVsetintparam(te.env, 1019, 0);
+    Model md = transportation(7, 8);
+    TRVlp lp = md.copy_into(te.env);
+    Solution s;
+    ASSERT_EQ(solve(te.env, lp, s), 0);
+    ASSERT_EQ(s.stat, 1);
+    int cold = TRVgetitcnt(te.env, lp);
+    /* a cut on the two largest shipments, a ranged row on another pair */
+    std::vector<int> order(md.ncols());
+    for (int j = 0; j < md.ncols(); j++) order[j] = j;
+    std::sort(order.begin(), order.end(), [&](int a, int b) { return s.x[a] > s.x[b]; });
+    Model big = md;
+    int r1 = big.nrows(), r2 = r1 + 1;
+    big.row('L', 0.5 * (s.x[order[0]] + s.x[order[1]]));
+    big.row('R', 0.25 * s.x[order[2]], 0.5 * s.x[order[2]]);
+    auto add_entry = [&](int j, int row) {
+        /* rebuild column j with one more entry */
+        big.matind.insert(big.matind.begin() + big.matbeg[j] + big.matcnt[j], row);
+        big.matval.insert(big.matval.begin() + big.matbeg[j] + big.matcnt[j], 1.0);
+        big.matcnt[j]++;
+        for (int k = j + 1; k < big.ncols(); k++) big.matbeg[k]++;
+    };
+    add_entry(order[0], r1);
+    add_entry(order[1], r1);
+    add_entry(order[2], r2);
+    big.col(50.0, 0.0, 1e20, {{0, 1.0}, {r1, -1.0}});
+    TRVlp lp2 = big.copy_into(te.env);
+    ASSERT_NE(lp2, nullptr);
+    lp2->start = lp->start;
+    lp->start = nullptr;
+    Solution w;
+    ASSERT_EQ(solve(te.env, lp2, w), 0);
+    ASSERT_EQ(w.stat, 1);
+    EXPECT_EQ(check_kkt(big, w), "");
+    EXPECT_LE(TRVgetitcnt(te.env, lp2), 10);
+    EXPECT_LT(TRVgetitcnt(te.env, lp2), cold);
+    TestEnv t2;
+    TRVsetintparam(t2.env, 1019, 0);
+    TRVlp fresh = big.copy_into(t2.env);
+    Solution f;
+    ASSERT_EQ(solve(t2.env, fresh, f), 0);
+    EXPECT_NEAR(f.obj, w.obj, 1e-8 * (1 + std::fabs(f.obj)));
+    TRVfreeprob(t2.env, &fresh);
+    TRVfreeprob(te.env, &lp2);
     TRVfreeprob(te.env, &lp);
 }
