@@ -40,6 +40,18 @@ static int price_with_ladder(TRVenv env, TRVlp lp, int *p_out) {
         if (*p_out >= 0) return 0;
     }
     if (ds->phase == 1) return RC_RETRY; /* the phase fell back on refactoring */
+    if (ds->pricing == DPR_SWITCH) {
+        /* plain pricing has done its part: steepest edge from unit norms
+         * for whatever the clean-up still finds */
+        ds->pricing = DPR_STEEP_UNIT;
+        dual_norms_reset(lp);
+        ds->norms_ready = 1;
+        dual_progress_reset(lp);
+        if (ds->display > 0 && lp->solver->it.n_it > 0)
+            TRVmsg(env->reschannel, "Switched to steepest-edge.\n");
+        *p_out = dual_price_select(lp, ds->feas_tol);
+        if (*p_out >= 0) return 0;
+    }
     ds->status = LPS_OPTIMAL;
     return 0;
 }
