@@ -44,8 +44,8 @@ static void quality(TRVenv env, TRVlp lp, double *pinf, double *dinf) {
     for (int j = 0; j < n; j++) {
         *pinf = std::fmax(*pinf, std::fmax(lb[j] - x[j], x[j] - ub[j]));
         double d = sg * dj[j];
-        if (x[j] < ub[j] - 1e-9) *dinf = std::fmax(*dinf, -d);
-        if (x[j] > lb[j] + 1e-9) *dinf = std::fmax(*dinf, d);
+        if (x[j] < ub[j] - 1e-7 * (1 + std::fabs(ub[j]))) *dinf = std::fmax(*dinf, -d);
+        if (x[j] > lb[j] + 1e-7 * (1 + std::fabs(lb[j]))) *dinf = std::fmax(*dinf, d);
     }
     for (int i = 0; i < m; i++) {
         double a = rhs[i] - slack[i], lo = -1e30, hi = 1e30;
@@ -55,8 +55,8 @@ static void quality(TRVenv env, TRVlp lp, double *pinf, double *dinf) {
         else lo = rng[i] >= 0 ? rhs[i] : rhs[i] + rng[i], hi = rng[i] >= 0 ? rhs[i] + rng[i] : rhs[i];
         *pinf = std::fmax(*pinf, std::fmax(lo - a, a - hi));
         double p = sg * pi[i];
-        if (a > lo + 1e-9) *dinf = std::fmax(*dinf, p);
-        if (a < hi - 1e-9) *dinf = std::fmax(*dinf, -p);
+        if (a > lo + 1e-7 * (1 + std::fabs(lo))) *dinf = std::fmax(*dinf, p);
+        if (a < hi - 1e-7 * (1 + std::fabs(hi))) *dinf = std::fmax(*dinf, -p);
     }
 }
 

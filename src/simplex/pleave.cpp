@@ -250,11 +250,16 @@ static int basis_change(TRVenv env, TRVlp lp, int q, int dir) {
 
 /* One attempt with q. forced accepts a pivot the quality test doubts;
  * recheck marks the second look at an unbounded direction. */
+static int primal_try_dir(TRVenv env, TRVlp lp, int q, int forced, int recheck, int dir);
+
 static int primal_try(TRVenv env, TRVlp lp, int q, int forced, int recheck) {
+    return primal_try_dir(env, lp, q, forced, recheck, direction_of(&lp->solver->it, q));
+}
+
+static int primal_try_dir(TRVenv env, TRVlp lp, int q, int forced, int recheck, int dir) {
     const simplex_lp *s = &lp->solver->splp;
     simplex_iter *it = &lp->solver->it;
     primal_state *ps = lp->primal;
-    int dir = direction_of(it, q);
     entering_column(lp, q);
     double lim = step_limit_of(s, it, ps, q, dir);
     if (lim < 0.0) lim = 0.0;
@@ -332,5 +337,41 @@ int primal_iterate(TRVenv env, TRVlp lp) {
         st = primal_pivot(env, lp, q);
         if (st != RC_RETRY) return st;
     }
+    return 0;
+}
+
+/* The superbasic pass: each nonbasic variable between its bounds (a free
+ * column left at zero, a value kept by a repair) is moved to its nearer
+ * bound or into the basis, so that the final solution is basic. A free
+ * column along which nothing blocks in either direction stays. *moved gets
+ * the number moved; the caller checks optimality again afterwards. */
+int push_primal(TRVenv env, TRVlp lp, int *moved_p) {
+    const simplex_lp *s = &lp->solver->splp;
+    simplex_iter *it = &lp->solver->it;
+    primal_state *ps = lp->primal;
+    int moved = 0;
+    *moved_p = 0;
+    for (int j = 0; j < s->ntotal; j++) {
+        if (it->status[j] != 3) continue;
+        it->d[j] = primal_dj(lp, j);
+        int dirs[2], nd = 0;
+        bool fl = s->has_lower[j], fu = s->has_upper[j];
+        double x = it->x[j];
+        if (fl && fu) dirs[nd++] = ps->upper[j] - x <= x - ps->lower[j] ? 1 : -1;
+        else if (fu) dirs[nd++] = 1;
+        else if (fl) dirs[nd++] = -1;
+        else {
+            dirs[nd++] = it->d[j] <= 0.0 ? 1 : -1;
+            dirs[nd++] = -dirs[0];
+        }
+        for (int k = 0; k < nd && it->status[j] == 3; k++) {
+            int st = primal_try_dir(env, lp, j, 1, 1, dirs[k]);
+            if (ps->status == LPS_UNBOUNDED) ps->status = 0; /* nothing blocks this way */
+            if (st == RC_RETRY) continue;
+            if (st != 0) return st;
+        }
+        if (it->status[j] != 3) moved++;
+    }
+    *moved_p = moved;
     return 0;
 }

@@ -124,16 +124,14 @@ struct primal_state {
     int detail_head_done;
     double last_elapsed_print;
     int last_elapsed_it;
-    int last_fail_it;
     int fast;
-    int n_tol_events;
     int abort;            /* 1 callback, 2 time */
     long work_pivots;     /* accumulated work of the entering columns */
     int entered, left;    /* last pivot, for the log and the progress */
     int left_status;
     int flipped;
     int display;
-    int reinclude_tried;
+    int pushed;           /* the superbasic pass has run */
     int polished;         /* the optimum was rechecked at a tighter tolerance */
 };
 
@@ -180,6 +178,7 @@ int ratio_primal_p2(TRVlp lp, int dir, double d, double step_limit, int q);
 
 int primal_iterate(TRVenv env, TRVlp lp);
 int primal_pivot(TRVenv env, TRVlp lp, int q);
+int push_primal(TRVenv env, TRVlp lp, int *moved);
 
 /* ---- perturbation and progress (perturb.cpp, progress.cpp) ----------------- */
 

@@ -40,7 +40,6 @@ static void load_run_parameters(TRVenv env, TRVlp lp) {
     ps->rw.no_length = par_int(env, 1068);
     ps->ban_epoch = PR_NOLIMIT;
     ps->last_phase_logged = 0;
-    ps->last_fail_it = -1;
     ps->entered = ps->left = -1;
     ps->fast = par_int(env, 1017) > 0;
     ps->scaled = lp->lpdata->colscale != nullptr;
@@ -333,6 +332,16 @@ int primal_opt(TRVenv env, TRVlp lp, int it_so_far, int it1_so_far,
                     ps->opt_tol *= 0.1;
                     ps->status = 0;
                     continue;
+                }
+                if (!ps->pushed) {
+                    ps->pushed = 1;
+                    int moved = 0;
+                    st = push_primal(env, lp, &moved);
+                    if (st != 0) return st;
+                    if (moved > 0) {
+                        ps->status = 0;
+                        continue;
+                    }
                 }
             }
         }

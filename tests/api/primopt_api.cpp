@@ -554,3 +554,106 @@ TEST(PrimoptStart, SpreadPivotsFallBackToTheUnitBasis) {
     EXPECT_EQ(check_kkt(md, s), "");
     TRVfreeprob(te.env, &lp);
 }
+
+TEST(PrimoptLimits, TimeLimitIsReadEveryTwentyFiveIterations) {
+    Model md = random_lp(4242, 80, 60);
+    {
+        Solved r(md); /* the run needs more than 25 iterations */
+        ASSERT_EQ(r.rc, 0);
+        ASSERT_EQ(r.s.stat, 1);
+        ASSERT_GT(TRVgetitcnt(r.te.env, r.lp), 25);
+    }
+    TestEnv te;
+    TRVsetintparam(te.env, 1019, 0);
+    ASSERT_EQ(TRVsetdblparam(te.env, 1039, 0.0), 0);
+    TRVlp lp = md.copy_into(te.env);
+    ASSERT_EQ(TRVprimopt(te.env, lp), 0);
+    int stat = TRVgetstat(te.env, lp);
+    EXPECT_TRUE(stat == 7 || stat == 8) << stat;
+    EXPECT_EQ(TRVgetitcnt(te.env, lp), 25);
+    /* the values read back are consistent with the rows */
+    Solution s;
+    s.x.resize(md.ncols()), s.pi.resize(md.nrows()), s.slack.resize(md.nrows()), s.dj.resize(md.ncols());
+    ASSERT_EQ(TRVsolution(te.env, lp, &s.stat, &s.obj, s.x.data(), s.pi.data(), s.slack.data(), s.dj.data()), 0);
+    for (int i = 0; i < md.nrows(); i++) {
+        double a = 0.0;
+        for (int j = 0; j < md.ncols(); j++)
+            for (int k = md.matbeg[j]; k < md.matbeg[j] + md.matcnt[j]; k++)
+                if (md.matind[k] == i) a += md.matval[k] * s.x[j];
+        EXPECT_NEAR(s.slack[i], md.rhs[i] - a, 1e-8 * (1 + std::fabs(a)));
+    }
+    TRVfreeprob(te.env, &lp);
+}
+
+TEST(PrimoptScaling, CallerOwnedArraysComeBackOnUnload) {
+    TestEnv te;
+    TRVsetintparam(te.env, 1019, 0);
+    TRVsetintparam(te.env, 1034, 0);
+    /* a badly scaled model in the caller's arrays, with room to spare */
+    double obj[2] = {-1.0, -3e3}, rhs[2] = {5e4, 2e-3}, lb[2] = {0.0, 0.0}, ub[2] = {1e20, 40.0};
+    double rng[2] = {0.0, 0.0}, val[4] = {1e3, 1e-4, 2e4, 1e-3};
+    char sense[2] = {'L', 'L'};
+    int beg[2] = {0, 2}, cnt[2] = {2, 2}, ind[4] = {0, 1, 0, 1};
+    double obj0[2], rhs0[2], ub0[2], val0[4];
+    std::memcpy(obj0, obj, sizeof obj), std::memcpy(rhs0, rhs, sizeof rhs);
+    std::memcpy(ub0, ub, sizeof ub), std::memcpy(val0, val, sizeof val);
+    TRVlp lp = TRVloadlp(te.env, "owned", 2, 2, 1, obj, rhs, sense, beg, cnt, ind, val, lb, ub,
+                         rng, 2, 2, 4);
+    ASSERT_NE(lp, nullptr);
+    Solution s;
+    ASSERT_EQ(solve_primal(te.env, lp, s), 0);
+    EXPECT_EQ(s.stat, 1);
+    /* the model answers in its own units while held scaled */
+    double q[2];
+    ASSERT_EQ(TRVgetobj(te.env, lp, q, 0, 1), 0);
+    EXPECT_NEAR(q[1], -3e3, 1e-9);
+    ASSERT_EQ(TRVgetrhs(te.env, lp, q, 0, 1), 0);
+    EXPECT_NEAR(q[1], 2e-3, 1e-15);
+    ASSERT_EQ(TRVunloadprob(te.env, &lp), 0);
+    for (int k = 0; k < 2; k++) {
+        EXPECT_NEAR(obj[k], obj0[k], 1e-12 * std::fabs(obj0[k]));
+        EXPECT_NEAR(rhs[k], rhs0[k], 1e-12 * std::fabs(rhs0[k]));
+        EXPECT_NEAR(ub[k], ub0[k], 1e-12 * std::fabs(ub0[k]));
+    }
+    for (int k = 0; k < 4; k++) EXPECT_NEAR(val[k], val0[k], 1e-12 * std::fabs(val0[k]));
+}
+
+TEST(PrimoptScaling, NewDataAfterAScaledSolve) {
+    TestEnv te;
+    TRVsetintparam(te.env, 1019, 0);
+    Model md;
+    md.row('L', 4e4);
+    md.row('G', 1e-3);
+    md.col(-1.0, 0.0, 1e5, {{0, 1e3}, {1, 1e-4}});
+    md.col(-2e3, 0.0, 30.0, {{0, 2e4}, {1, 2e-3}});
+    TRVlp lp = md.copy_into(te.env);
+    Solution s1, s2;
+    ASSERT_EQ(solve_primal(te.env, lp, s1), 0);
+    /* the same data again: a copy drops the old scaling */
+    ASSERT_EQ(TRVcopylp(te.env, lp, md.ncols(), md.nrows(), md.objsen, md.obj.data(),
+                        md.rhs.data(), md.sense.data(), md.matbeg.data(), md.matcnt.data(),
+                        md.matind.data(), md.matval.data(), md.lb.data(), md.ub.data(),
+                        md.rngval.data()),
+              0);
+    ASSERT_EQ(solve_primal(te.env, lp, s2), 0);
+    EXPECT_EQ(s2.stat, 1);
+    EXPECT_NEAR(s2.obj, s1.obj, 1e-9 * (1 + std::fabs(s1.obj)));
+    EXPECT_EQ(check_kkt(md, s2), "");
+    TRVfreeprob(te.env, &lp);
+}
+
+TEST(PrimoptKnown, FreeColumnOfNoCostEndsBasic) {
+    /* min -y, y <= 3, f + y <= 10, f free and without cost: every f up to 7
+     * is optimal; the basic answer puts f where its row blocks */
+    Model md;
+    md.row('L', 3.0);
+    md.row('L', 10.0);
+    md.col(-1.0, 0.0, 1e20, {{0, 1.0}, {1, 1.0}});
+    md.col(0.0, -1e20, 1e20, {{1, 1.0}});
+    Solved r(md);
+    ASSERT_EQ(r.rc, 0);
+    EXPECT_EQ(r.s.stat, 1);
+    EXPECT_NEAR(r.s.obj, -3.0, 1e-12);
+    EXPECT_NEAR(r.s.x[1], 7.0, 1e-12);
+    EXPECT_EQ(check_kkt(md, r.s), "");
+}
