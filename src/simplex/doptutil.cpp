@@ -35,6 +35,7 @@ static void state_release(dual_state *ds) {
     trv_free(&ds->cand_j);
     trv_free(&ds->cand_ratio);
     trv_free(&ds->cand_a);
+    trv_free(&ds->cand_h);
     trv_free(&ds->flip_list);
     trv_free(&ds->attempted);
 }
@@ -153,6 +154,7 @@ int dual_state_alloc(TRVenv env, TRVlp lp) {
     ds->cand_j = trv_alloc<int>(nc);
     ds->cand_ratio = trv_alloc<double>(nc);
     ds->cand_a = trv_alloc<double>(nc);
+    ds->cand_h = trv_alloc<double>(nc);
     ds->flip_list = trv_alloc<int>(nc);
     ds->attempted = trv_alloc<int>(64);
     if (it->d == nullptr) it->d = trv_zalloc<double>(nc);
@@ -160,7 +162,7 @@ int dual_state_alloc(TRVenv env, TRVlp lp) {
     if (it->dweight == nullptr) it->dweight = trv_alloc<double>(m);
     if (!ds->lower || !ds->upper || !ds->cost || !ds->rhs || !ds->lo_on || !ds->up_on ||
         !ds->prow || !ds->prow_idx || !ds->work || !ds->work2 || !ds->cand_j ||
-        !ds->cand_ratio || !ds->cand_a || !ds->flip_list || !ds->attempted || !it->d ||
+        !ds->cand_ratio || !ds->cand_a || !ds->cand_h || !ds->flip_list || !ds->attempted || !it->d ||
         !it->y || !it->dweight)
         return 1001;
     if (sv_alloc(&ds->rho, m) || sv_alloc(&ds->col, m) || sv_alloc(&ds->alpha, m) ||

@@ -32,7 +32,7 @@ int ratio_dual(TRVlp lp, int dir, double slope, int flipping) {
     const signed char *lo_on = ds->lo_on, *up_on = ds->up_on;
     const double delta = ds->harris_delta;
     int *cj = ds->cand_j;
-    double *cr = ds->cand_ratio, *ca = ds->cand_a;
+    double *cr = ds->cand_ratio, *ca = ds->cand_a, *ch = ds->cand_h;
     int nc = 0;
     double max_abs = 0.0, row_abs = 0.0;
     ds->n_flip = 0;
@@ -57,6 +57,7 @@ int ratio_dual(TRVlp lp, int dir, double slope, int flipping) {
         cj[nc] = j;
         ca[nc] = a;
         cr[nc] = d[j] / a;
+        ch[nc] = (d[j] + (a > 0.0 ? delta : -delta)) / a;
         if (std::fabs(a) > max_abs) max_abs = std::fabs(a);
         nc++;
     }
@@ -67,11 +68,8 @@ int ratio_dual(TRVlp lp, int dir, double slope, int flipping) {
     while (nc > 0) {
         /* the Harris bound of the remaining candidates */
         double tmax = PR_BIG;
-        for (int k = 0; k < nc; k++) {
-            double a = ca[k];
-            double r = (d[cj[k]] + (a > 0.0 ? delta : -delta)) / a;
-            if (r < tmax) tmax = r;
-        }
+        for (int k = 0; k < nc; k++)
+            if (ch[k] < tmax) tmax = ch[k];
         if (tmax < 0.0) tmax = 0.0;
         /* the group within the bound, its slope reduction and best pivot */
         double reduce = 0.0;
@@ -101,6 +99,7 @@ int ratio_dual(TRVlp lp, int dir, double slope, int flipping) {
                     cj[w] = cj[k];
                     ca[w] = ca[k];
                     cr[w] = cr[k];
+                    ch[w] = ch[k];
                     w++;
                 }
             }

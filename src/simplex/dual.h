@@ -78,7 +78,7 @@ struct dual_state {
     double *work, *work2; /* m, zero between uses */
     /* ratio test */
     int *cand_j;
-    double *cand_ratio, *cand_a;
+    double *cand_ratio, *cand_a, *cand_h; /* ratio, signed entry, relaxed ratio */
     int *flip_list, n_flip;
     int *attempted;
     double rw_step;     /* dual step of the last test */
