@@ -174,6 +174,37 @@ TEST(DualoptKnown, BoxedColumnsFlipWithoutPhaseOne) {
     EXPECT_EQ(TRVgetphase1cnt(r.td.env, r.lpd), 0);
 }
 
+TEST(DualoptOutcomes, SingleRowAndFreeRowModels) {
+    {
+        Model md; /* one row that binds nothing: columns go to their better bound */
+        md.row('L', 100.0);
+        md.col(1.0, -2.0, 3.0, {{0, 1.0}});
+        md.col(-1.0, 0.0, 4.0, {{0, 1.0}});
+        Both r(md);
+        r.expect_agree(md, "loose row");
+        EXPECT_NEAR(r.d.obj, -6.0, 1e-12);
+    }
+    {
+        Model md; /* an empty equality row with a zero right-hand side */
+        md.row('E', 0.0);
+        md.row('G', 1.0);
+        md.col(2.0, 0.0, 1e20, {{1, 1.0}});
+        Both r(md);
+        r.expect_agree(md, "empty row");
+        EXPECT_NEAR(r.d.obj, 2.0, 1e-12);
+    }
+    {
+        Model md; /* an empty equality row that cannot hold */
+        md.row('E', 1.0);
+        md.row('L', 5.0);
+        md.col(1.0, 0.0, 1.0, {{1, 1.0}});
+        Both r(md);
+        ASSERT_EQ(r.rcd, 0);
+        EXPECT_EQ(r.d.stat, 2);
+        EXPECT_EQ(r.p.stat, 2);
+    }
+}
+
 TEST(DualoptOutcomes, Infeasible) {
     Model md; /* x + y <= 1, x + y >= 3 */
     md.row('L', 1.0);
