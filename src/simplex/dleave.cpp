@@ -130,6 +130,29 @@ static void after_refactor(TRVlp lp) {
     ds->objective = dual_objective(lp);
 }
 
+/* The proof of a row without an entering variable, with every entry of the
+ * row above round-off counted: the nonbasic variables can move the
+ * leaving one toward its bound by at most the sum of |alpha| times their
+ * room, which must fall short of its violation. */
+static bool row_proves_infeasibility(TRVlp lp, int dir, double slope) {
+    const simplex_iter *it = &lp->solver->it;
+    const dual_state *ds = lp->dual;
+    double room = 0.0;
+    for (int k = 0; k < ds->prow_nz; k++) {
+        int j = ds->prow_idx[k];
+        double a = dir * ds->prow[j];
+        int st = it->status[j];
+        if (st == 1 || std::fabs(a) <= 1e-11) continue; /* round-off */
+        double up = ds->up_on[j] ? ds->upper[j] - it->x[j] : PR_BIG;
+        double down = ds->lo_on[j] ? it->x[j] - ds->lower[j] : PR_BIG;
+        /* a > 0: the variable rising helps; a < 0: falling helps */
+        double r = a > 0.0 ? up : down;
+        if (r >= PR_BIG) return false;
+        room += std::fabs(a) * r;
+    }
+    return room < slope - ds->feas_tol;
+}
+
 /* One attempt on position p. forced takes a pivot the ratio test doubts. */
 static int dual_try(TRVenv env, TRVlp lp, int p, int forced) {
     simplex_iter *it = &lp->solver->it;
@@ -151,7 +174,7 @@ static int dual_try(TRVenv env, TRVlp lp, int p, int forced) {
         /* no entering variable: the row proves primal infeasibility once
          * it stands on a fresh factorization */
         if (ds->updates > 0) return refactor_retry(env, lp);
-        if (ds->phase == 1) return RC_RETRY;
+        if (ds->phase == 1 || !row_proves_infeasibility(lp, dir, slope)) return RC_RETRY;
         ds->status = LPS_INFEASIBLE;
         ds->left = r_var;
         return 0;
