@@ -11,6 +11,7 @@ int lp_unscale(TRVenv env, TRVlp lp);
 /* Releases the working structures of a run; the solution record stays. */
 static void run_release(TRVlp lp) {
     primal_free(lp);
+    dual_free(lp); /* a dual that took over from the primal */
     lu_free(lp);
     simplex_free(lp);
 }
