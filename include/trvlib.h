@@ -765,6 +765,12 @@ TRVAPI int TRVEcacheNewNZsByNZ(TRVenv env, TRVlp lp, int cnt,
 
 /* Solves the LP by the primal simplex; the outcome is TRVgetstat's. */
 TRVAPI int TRVprimopt(TRVenv env, TRVlp lp);
+/* Solves the LP by the dual simplex, from the basis of the last solve when
+ * one is kept and parameter 1001 is set. */
+TRVAPI int TRVdualopt(TRVenv env, TRVlp lp);
+/* Solves the LP by the method of parameter 1062: 0 and 2 dual simplex,
+ * 1 primal simplex; 3 and 4 answer 1292 in this build. */
+TRVAPI int TRVlpopt(TRVenv env, TRVlp lp);
 /* Takes the model back out of its internal scaling. */
 TRVAPI int TRVunscaleprob(TRVenv env, TRVlp lp);
 /* The whole solution; a null pointer skips its item. 1217 with none. */

@@ -11,7 +11,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "simplex/primal.h"
+#include "simplex/dual.h"
 
 /* All slacks (or the artificials of rows without one) basic. */
 static void start_slack(TRVlp lp) {
@@ -180,6 +180,7 @@ static int crash_primal(TRVenv env, TRVlp lp) {
 }
 
 int start_basis(TRVenv env, TRVlp lp) {
+    if (start_load(env, lp)) return 0;
     int st = crash_primal(env, lp);
     if (st == 1001) return st;
     if (st != 0) start_slack(lp);

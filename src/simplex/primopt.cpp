@@ -9,7 +9,7 @@
 #include <cmath>
 
 #include "frame/callback.h"
-#include "simplex/primal.h"
+#include "simplex/dual.h"
 
 static int candidates_for(int m) {
     static const int lim[] = {100, 500, 1000, 5000, 10000, 100000};
@@ -254,7 +254,6 @@ static double unscaled_dual_infeas(TRVlp lp) {
 
 int primal_opt(TRVenv env, TRVlp lp, int it_so_far, int it1_so_far,
                double start_time, int pricing_mode, int internal) {
-    (void)internal;
     if (pricing_mode < -1 || pricing_mode > 4) return env_error(env, 1257);
     int st = primal_state_alloc(env, lp);
     if (st != 0) return st;
@@ -298,7 +297,12 @@ int primal_opt(TRVenv env, TRVlp lp, int it_so_far, int it1_so_far,
         if (ps->status == LPS_OBJLIM) break;
         if (++rounds > 30) break;
         if (primal_remove(env, lp)) {
-            /* the true problem may need more iterations */
+            /* the true problem may need more iterations; when the true
+             * bounds leave the basis infeasible the dual may take over */
+            int rc = 0;
+            if (ps->status == LPS_OPTIMAL && ps->perturb.count <= 1 && !internal &&
+                dual_takeover(env, lp, &rc))
+                return rc;
             ps->status = 0;
             continue;
         }

@@ -3,7 +3,7 @@
  * preparation of the model (scaling, the working LP), the driver, and the
  * hand-over of the solution to the problem record.
  */
-#include "simplex/primal.h"
+#include "simplex/dual.h"
 
 int lp_scale(TRVenv env, TRVlp lp, int want);
 int lp_unscale(TRVenv env, TRVlp lp);
@@ -11,6 +11,7 @@ int lp_unscale(TRVenv env, TRVlp lp);
 /* Releases the working structures of a run; the solution record stays. */
 static void run_release(TRVlp lp) {
     primal_free(lp);
+    dual_free(lp); /* a dual that took over from the primal */
     lu_free(lp);
     simplex_free(lp);
 }
@@ -69,6 +70,9 @@ TRV_EXPORT int TRVprimopt(TRVenv env, TRVlp lp) {
         ph1 += ph2;
     }
     if (status == 0) status = solution_store(env, lp, 1, itcnt, ph1);
+    /* the final basis for a later warm start; without memory for it the
+     * next run starts cold */
+    if (status == 0) start_save(lp, 0);
     if (status != 0) lp->stat = 0;
     run_release(lp);
     if (status != 0) env_report(env, &status);

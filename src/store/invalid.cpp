@@ -13,6 +13,7 @@
  * frees or marks them here.
  */
 #include "store/lp.h"
+#include "simplex/dual.h"
 #include "simplex/lu.h"
 
 enum : unsigned {
@@ -99,9 +100,15 @@ void invalidate(TRVenv env, TRVlp lp, int code) {
     unsigned s = steps_of(code);
     if (s == 0) return;
     if (s & S_START) {
-        /* the start record: freed by its module once it exists */
+        start_free(lp);
         trv_free(&lp->startaux);
     }
+    /* Deleting rows or columns, or moving rows to and from the free rows,
+     * renumbers them: the stored basis would no longer fit, so it goes.
+     * Additions keep it: new rows enter with their slacks basic. */
+    if (code == 19 || code == 20 || code == 21 || code == 22 || code == 31 ||
+        code == 32)
+        start_free(lp);
     if ((s & S_RELAXED) && lp->relaxed != nullptr && lp->probtype != PROB_RELAXED &&
         lp->probtype != PROB_FIXED) {
         /* a basis of the view goes back to the problem once start records
@@ -110,13 +117,15 @@ void invalidate(TRVenv env, TRVlp lp, int code) {
     }
     if ((s & S_WORKCOPY) && lp->workcopy != nullptr) TRVfreeprob(env, &lp->workcopy);
     if (s & S_STAT) lp->stat = 0;
-    /* pricing norms (S_MNORMS, S_FNORMS) and sensitivity (S_MSENS, S_FSENS):
-     * no records yet */
+    /* the dual norms kept with the stored basis; primal norms and the
+     * sensitivity record (S_MSENS, S_FSENS) have no record yet */
+    if ((s & S_FNORMS) && lp->start != nullptr) lp->start->has_norms = 0;
     if (s & S_FSOLN)
         soln_invalidate(lp, 1);
     else if (s & S_MSOLN)
         soln_invalidate(lp, 0);
-    /* dual state (S_MDUAL, S_FDUAL): no record yet */
+    /* the dual state lives for one run; stale or not, it goes */
+    if (s & (S_MDUAL | S_FDUAL)) dual_free(lp);
     if (s & S_FPRIMAL) primal_free(lp);
     if (s & S_FSOLVER) {
         simplex_free(lp);

@@ -7,7 +7,7 @@
 
 #include "store/lp.h"
 #include "simplex/lu.h"
-#include "simplex/primal.h"
+#include "simplex/dual.h"
 
 /* ---- handle checks ------------------------------------------------------- */
 
@@ -327,6 +327,7 @@ void lp_free_records(TRVenv env, TRVlp lp) {
     trv_free(&lp->startaux);
     /* the primal simplex: its run state and the solution record */
     primal_free(lp);
+    dual_free(lp);
     solution_free(lp);
     /* the simplex core: factorization and working LP */
     lu_free(lp);
@@ -382,6 +383,7 @@ static void lp_data_free(lp_data **dp, int memmodel) {
 
 static void lp_destroy(TRVenv env, TRVlp lp) {
     lp_free_records(env, lp);
+    start_free(lp);
     lp_data_free(&lp->lpdata, lp->memmodel);
     trv_free(&lp->baseblock);
     trv_handle_free(lp, sizeof *lp);

@@ -1,0 +1,322 @@
+/*
+ * dleave.cpp - one dual iteration: the choice of the leaving row with the
+ * clean-up when none is left, the attempts at a pivot with bans on rows
+ * whose pivot is poor, the flips, the primal and dual steps, the norm
+ * update and the basis change.
+ */
+#include <cmath>
+
+#include "simplex/dual.h"
+
+static int refactor_retry(TRVenv env, TRVlp lp) {
+    int st = dual_refactor(env, lp);
+    return st != 0 ? st : RC_RETRY;
+}
+
+/* The leaving row, or -1 with a status set when none remains after the
+ * clean-up. Returns 0 or an error code. */
+static int price_with_ladder(TRVenv env, TRVlp lp, int *p_out) {
+    dual_state *ds = lp->dual;
+    *p_out = dual_price_select(lp, ds->feas_tol);
+    if (*p_out >= 0) return 0;
+    /* nothing to choose: the decision stands on fresh figures */
+    int phase_before = ds->phase;
+    if (ds->updates > 0 || ds->n_banned > 0) {
+        int st = dual_refactor(env, lp);
+        if (st != 0) return st;
+        *p_out = dual_price_select(lp, ds->feas_tol);
+        if (*p_out >= 0) return 0;
+    }
+    if (ds->phase == 1 && phase_before == 1) {
+        /* the auxiliary box is solved: the basis is dual feasible for the
+         * model unless the sum of dual infeasibilities is positive */
+        dual_set_phase(lp);
+        if (ds->phase == 1) {
+            ds->status = LPS_UNB_OR_INF;
+            return 0;
+        }
+        dual_progress_reset(lp);
+        *p_out = dual_price_select(lp, ds->feas_tol);
+        if (*p_out >= 0) return 0;
+    }
+    if (ds->phase == 1) return RC_RETRY; /* the phase fell back on refactoring */
+    if (ds->pricing == DPR_SWITCH) {
+        /* plain pricing has done its part: steepest edge from unit norms
+         * for whatever the clean-up still finds */
+        ds->pricing = DPR_STEEP_UNIT;
+        dual_norms_reset(lp);
+        ds->norms_ready = 1;
+        dual_progress_reset(lp);
+        if (ds->display > 0 && lp->solver->it.n_it > 0)
+            TRVmsg(env->reschannel, "Switched to steepest-edge.\n");
+        *p_out = dual_price_select(lp, ds->feas_tol);
+        if (*p_out >= 0) return 0;
+    }
+    ds->status = LPS_OPTIMAL;
+    return 0;
+}
+
+/* The entering column through the factorization into ds->alpha. */
+static void entering_column(TRVlp lp, int q) {
+    const simplex_lp *s = &lp->solver->splp;
+    dual_state *ds = lp->dual;
+    sparse_vec *c = &ds->col;
+    sv_clear(c);
+    c->nz = 0;
+    for (int k = s->col_beg[q]; k < s->col_end[q]; k++) {
+        c->val[s->row_idx[k]] = s->val[k];
+        c->idx[c->nz++] = s->row_idx[k];
+    }
+    sv_clear(&ds->alpha);
+    lu_ftran(lp->factor, &ds->alpha, c);
+    if (ds->alpha.nz < 0) sv_from_dense(&ds->alpha);
+}
+
+/* The flips of the ratio test: the variables go to their other bound and
+ * the basic values follow through one solve. Returns the objective change. */
+static double do_flips(TRVlp lp) {
+    const simplex_lp *s = &lp->solver->splp;
+    simplex_iter *it = &lp->solver->it;
+    dual_state *ds = lp->dual;
+    if (ds->n_flip == 0) return 0.0;
+    sparse_vec *f = &ds->fcol;
+    sv_clear(f);
+    f->nz = 0;
+    double dz = 0.0;
+    for (int k = 0; k < ds->n_flip; k++) {
+        int j = ds->flip_list[k];
+        double old = it->x[j], nw;
+        if (it->status[j] == 0) {
+            it->status[j] = 2;
+            nw = ds->upper[j];
+        } else {
+            it->status[j] = 0;
+            nw = ds->lower[j];
+        }
+        double dx = nw - old;
+        it->x[j] = nw;
+        dz += it->d[j] * dx;
+        for (int e = s->col_beg[j]; e < s->col_end[j]; e++) {
+            int i = s->row_idx[e];
+            if (f->val[i] == 0.0) f->idx[f->nz++] = i;
+            f->val[i] += s->val[e] * dx;
+            if (f->val[i] == 0.0) f->val[i] = 1e-300;
+        }
+    }
+    sparse_vec *r = &ds->fdelta;
+    sv_clear(r);
+    lu_ftran_nospike(lp->factor, r, f);
+    if (r->nz < 0) sv_from_dense(r);
+    for (int k = 0; k < r->nz; k++) {
+        int i = r->idx[k];
+        it->x[it->head[i]] -= r->val[i];
+    }
+    ds->flip_count += ds->n_flip;
+    return dz;
+}
+
+/* After a refactorization inside the update: everything from scratch. */
+static void after_refactor(TRVlp lp) {
+    dual_state *ds = lp->dual;
+    ds->updates = 0;
+    ds->refactored = 1;
+    dual_compute_d(lp);
+    if (ds->phase == 2 && dual_count_dinf(lp, ds->dual_tol, nullptr) > 0) {
+        dual_set_phase(lp);
+        return;
+    }
+    dual_fix_boxed(lp);
+    dual_compute_x(lp);
+    ds->objective = dual_objective(lp);
+}
+
+/* The proof of a row without an entering variable, with every entry of the
+ * row above round-off counted: the nonbasic variables can move the
+ * leaving one toward its bound by at most the sum of |alpha| times their
+ * room, which must fall short of its violation. */
+static bool row_proves_infeasibility(TRVlp lp, int dir, double slope) {
+    const simplex_iter *it = &lp->solver->it;
+    const dual_state *ds = lp->dual;
+    double room = 0.0;
+    for (int k = 0; k < ds->prow_nz; k++) {
+        int j = ds->prow_idx[k];
+        double a = dir * ds->prow[j];
+        int st = it->status[j];
+        if (st == 1 || std::fabs(a) <= 1e-11) continue; /* round-off */
+        double up = ds->up_on[j] ? ds->upper[j] - it->x[j] : PR_BIG;
+        double down = ds->lo_on[j] ? it->x[j] - ds->lower[j] : PR_BIG;
+        /* a > 0: the variable rising helps; a < 0: falling helps */
+        double r = a > 0.0 ? up : down;
+        if (r >= PR_BIG) return false;
+        room += std::fabs(a) * r;
+    }
+    return room < slope - ds->feas_tol;
+}
+
+/* One attempt on position p. forced takes a pivot the ratio test doubts. */
+static int dual_try(TRVenv env, TRVlp lp, int p, int forced) {
+    simplex_iter *it = &lp->solver->it;
+    dual_state *ds = lp->dual;
+    int r_var = it->head[p];
+    double x = it->x[r_var];
+    int dir;
+    double slope;
+    if (x < ds->lower[r_var]) {
+        dir = -1;
+        slope = ds->lower[r_var] - x;
+    } else {
+        dir = 1;
+        slope = x - ds->upper[r_var];
+    }
+    dual_pivot_row(lp, p);
+    int r = ratio_dual(lp, dir, slope, 1);
+    if (r == 3) {
+        /* no entering variable: the row proves primal infeasibility once
+         * it stands on a fresh factorization */
+        if (ds->updates > 0) return refactor_retry(env, lp);
+        if (ds->phase == 1 || !row_proves_infeasibility(lp, dir, slope)) return RC_RETRY;
+        ds->status = LPS_INFEASIBLE;
+        ds->left = r_var;
+        return 0;
+    }
+    if (r == RC_RETRY && !(forced && ds->rw_enter >= 0)) return RC_RETRY;
+    int q = ds->rw_enter;
+    entering_column(lp, q);
+    double alpha_p = ds->alpha.val[p];
+    double check = ds->prow[q];
+    if (std::fabs(check - alpha_p) > 1e-7 * (1.0 + std::fabs(alpha_p))) {
+        if (ds->updates > 0) return refactor_retry(env, lp);
+        if (std::fabs(check - alpha_p) > 1e-3 * (1.0 + std::fabs(alpha_p)) && !forced)
+            return RC_RETRY;
+    }
+    if (std::fabs(alpha_p) < 1e-11) return RC_RETRY;
+    it->leave_pos = p;
+    it->enter_var = q;
+    it->alpha = alpha_p;
+    int ck = 0;
+    lu_update_check(lp, alpha_p, 1, &ck);
+    if (ck == RC_RETRY && !forced) return RC_RETRY;
+
+    /* the dual step; a slightly infeasible d[q] is shifted to zero */
+    double a_q = dir * ds->prow[q];
+    double theta_d = it->d[q] / a_q;
+    if (theta_d * 1.0 < 0.0 || !std::isfinite(theta_d)) {
+        dual_shift_cost(lp, q, it->d[q]);
+        theta_d = 0.0;
+    }
+    /* norms: tau = B^-1 rho before the basis changes */
+    double rho2 = 0.0;
+    bool steep = ds->pricing != DPR_PLAIN && ds->pricing != DPR_SWITCH;
+    if (steep) {
+        const sparse_vec *rho = &ds->rho;
+        for (int k = 0; k < rho->nz; k++) {
+            double v = rho->val[rho->idx[k]];
+            rho2 += v * v;
+        }
+        /* the solve consumes its right-hand side: rho goes in a copy */
+        sparse_vec *c = &ds->col;
+        sv_clear(c);
+        for (int k = 0; k < rho->nz; k++) {
+            int i = rho->idx[k];
+            c->val[i] = rho->val[i];
+            c->idx[k] = i;
+        }
+        c->nz = rho->nz;
+        sv_clear(&ds->tau);
+        lu_ftran_nospike(lp->factor, &ds->tau, c);
+        if (ds->tau.nz < 0) sv_from_dense(&ds->tau);
+    }
+    double dq_old = it->d[q];
+    /* flips, then the primal step */
+    double dz = do_flips(lp);
+    double target = dir > 0 ? ds->upper[r_var] : ds->lower[r_var];
+    double theta_p = (it->x[r_var] - target) / alpha_p;
+    const sparse_vec *a = &ds->alpha;
+    if (theta_p != 0.0) {
+        for (int k = 0; k < a->nz; k++) {
+            int i = a->idx[k];
+            it->x[it->head[i]] -= theta_p * a->val[i];
+        }
+    }
+    it->x[q] += theta_p;
+    it->x[r_var] = target;
+    dz += dq_old * theta_p;
+    ds->objective += dz;
+    /* reduced costs along the pivot row */
+    if (theta_d != 0.0) {
+        double t = theta_d * dir;
+        for (int k = 0; k < ds->prow_nz; k++) {
+            int j = ds->prow_idx[k];
+            it->d[j] -= t * ds->prow[j];
+        }
+    }
+    it->d[q] = 0.0;
+    it->d[r_var] = -dir * theta_d;
+    if (steep) dual_price_pivot(lp, p, alpha_p, rho2);
+    if (steep) sv_clear(&ds->tau);
+    it->status[r_var] = static_cast<signed char>(dir > 0 ? 2 : 0);
+    it->status[q] = 1;
+    dual_row_swap(lp, q, r_var);
+    ds->entered = q;
+    ds->left = r_var;
+    ds->left_status = it->status[r_var];
+    int st = lu_update(env, lp);
+    ds->updates++;
+    if (st != 0 && st != RC_REPAIRED) return st;
+    if (st == RC_REPAIRED) {
+        dual_row_partition(lp);
+        after_refactor(lp);
+        dual_norms_reset(lp);
+        dual_set_phase(lp);
+        return 0;
+    }
+    if (lp->factor->update_count == 0) after_refactor(lp);
+    return 0;
+}
+
+/* Tries the rows: p first, then further choices of the pricing while
+ * attempts fail on poor pivots. */
+static int dual_pivot(TRVenv env, TRVlp lp, int p) {
+    simplex_iter *it = &lp->solver->it;
+    dual_state *ds = lp->dual;
+    int first = p;
+    int kmax = ds->candidates_max < 64 ? ds->candidates_max : 64;
+    for (int k = 0; k < kmax; k++) {
+        if (k > 0) {
+            p = dual_price_select(lp, ds->feas_tol);
+            if (p < 0) break;
+        }
+        int r = dual_try(env, lp, p, 0);
+        if (r != RC_RETRY) return r;
+        if (ds->status != 0) return 0;
+        if (!lp->factor->valid) return RC_RETRY;
+        if (ds->updates == 0 && ds->n_banned == 0 && k > 0) break;
+        it->pos_ban[p] = 33;
+        ds->n_banned++;
+    }
+    if (ds->updates > 0) return refactor_retry(env, lp);
+    /* a fresh factorization and still no good pivot: take one */
+    for (int i = 0; i < lp->solver->splp.m; i++)
+        if (it->pos_ban[i] == 33) it->pos_ban[i] = 0;
+    ds->n_banned = 0;
+    int r = dual_try(env, lp, first, 1);
+    if (r == RC_RETRY) {
+        ds->status = ds->phase == 2 ? LPS_NONOPT_FEAS : LPS_NONOPT_INFEAS;
+        return 0;
+    }
+    return r;
+}
+
+/* One iteration: price and pivot until something other than a retry. */
+int dual_iterate(TRVenv env, TRVlp lp) {
+    dual_state *ds = lp->dual;
+    for (int round = 0; round < 20; round++) {
+        int p = -1;
+        int st = price_with_ladder(env, lp, &p);
+        if (st == RC_RETRY) continue;
+        if (st != 0 || ds->status != 0 || p < 0) return st;
+        st = dual_pivot(env, lp, p);
+        if (st != RC_RETRY) return st;
+    }
+    return 0;
+}

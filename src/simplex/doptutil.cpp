@@ -1,0 +1,531 @@
+/*
+ * doptutil.cpp - the run state of the dual simplex and its recomputations:
+ * basic values, duals and reduced costs, the bound choice of the boxed
+ * variables, the auxiliary box of phase 1 and the phase test, the pivot
+ * row, the refactorization, and the iteration log.
+ */
+#include <cmath>
+#include <cstring>
+
+#include "simplex/dual.h"
+
+static void state_release(dual_state *ds) {
+    trv_free(&ds->lower);
+    trv_free(&ds->upper);
+    trv_free(&ds->cost);
+    trv_free(&ds->rhs);
+    trv_free(&ds->lo_on);
+    trv_free(&ds->up_on);
+    sv_free(&ds->rho);
+    sv_free(&ds->col);
+    sv_free(&ds->alpha);
+    sv_free(&ds->tau);
+    sv_free(&ds->fcol);
+    sv_free(&ds->fdelta);
+    trv_free(&ds->prow);
+    trv_free(&ds->prow_idx);
+    trv_free(&ds->ar_beg);
+    trv_free(&ds->ar_nnb);
+    trv_free(&ds->ar_pos);
+    trv_free(&ds->ar_k);
+    trv_free(&ds->ar_idx);
+    trv_free(&ds->ar_val);
+    trv_free(&ds->work);
+    trv_free(&ds->work2);
+    trv_free(&ds->cand_j);
+    trv_free(&ds->cand_ratio);
+    trv_free(&ds->cand_a);
+    trv_free(&ds->cand_h);
+    trv_free(&ds->flip_list);
+    trv_free(&ds->attempted);
+}
+
+void dual_free(TRVlp lp) {
+    if (lp->dual == nullptr) return;
+    state_release(lp->dual);
+    trv_free(&lp->dual);
+    if (lp->solver != nullptr) lp->solver->it.has_dual = 0;
+}
+
+/* Row-wise copy of the columns 0..ntotal-1 (artificials never enter). */
+static int build_rowwise(const simplex_lp *s, dual_state *ds) {
+    int m = s->m, nt = s->ntotal;
+    long nz = 0;
+    for (int j = 0; j < nt; j++) nz += s->col_len[j];
+    ds->ar_beg = trv_zalloc<int>(m + 1);
+    ds->ar_nnb = trv_zalloc<int>(m);
+    ds->ar_idx = trv_alloc<int>(nz);
+    ds->ar_val = trv_alloc<double>(nz);
+    ds->ar_k = trv_alloc<int>(nz);
+    ds->ar_pos = trv_alloc<int>(s->col_end[nt > 0 ? nt - 1 : 0] + 1);
+    if (!ds->ar_beg || !ds->ar_nnb || !ds->ar_idx || !ds->ar_val || !ds->ar_k || !ds->ar_pos)
+        return 1001;
+    for (int j = 0; j < nt; j++)
+        for (int k = s->col_beg[j]; k < s->col_end[j]; k++) ds->ar_beg[s->row_idx[k] + 1]++;
+    for (int i = 0; i < m; i++) ds->ar_beg[i + 1] += ds->ar_beg[i];
+    return 0;
+}
+
+/* Lays out each row of the copy with its nonbasic entries first. */
+void dual_row_partition(TRVlp lp) {
+    const simplex_lp *s = &lp->solver->splp;
+    const simplex_iter *it = &lp->solver->it;
+    dual_state *ds = lp->dual;
+    int m = s->m, nt = s->ntotal;
+    int *fill = ds->ar_nnb; /* the front of each row while placing */
+    for (int i = 0; i < m; i++) fill[i] = 0;
+    for (int j = 0; j < nt; j++)
+        if (it->status[j] != 1)
+            for (int k = s->col_beg[j]; k < s->col_end[j]; k++) fill[s->row_idx[k]]++;
+    /* nonbasic entries from the row start, basic ones from the count */
+    int *back = reinterpret_cast<int *>(ds->work); /* m ints fit in m doubles */
+    for (int i = 0; i < m; i++) back[i] = ds->ar_beg[i] + fill[i];
+    for (int i = 0; i < m; i++) fill[i] = ds->ar_beg[i];
+    for (int j = 0; j < nt; j++) {
+        bool basic = it->status[j] == 1;
+        for (int k = s->col_beg[j]; k < s->col_end[j]; k++) {
+            int i = s->row_idx[k];
+            int e = basic ? back[i]++ : fill[i]++;
+            ds->ar_idx[e] = j;
+            ds->ar_val[e] = s->val[k];
+            ds->ar_k[e] = k;
+            ds->ar_pos[k] = e;
+        }
+    }
+    for (int i = 0; i < m; i++) {
+        ds->ar_nnb[i] = fill[i] - ds->ar_beg[i];
+        back[i] = 0;
+    }
+}
+
+static inline void swap_places(dual_state *ds, int a, int b) {
+    if (a == b) return;
+    int ja = ds->ar_idx[a], ka = ds->ar_k[a];
+    double va = ds->ar_val[a];
+    ds->ar_idx[a] = ds->ar_idx[b];
+    ds->ar_val[a] = ds->ar_val[b];
+    ds->ar_k[a] = ds->ar_k[b];
+    ds->ar_pos[ds->ar_k[a]] = a;
+    ds->ar_idx[b] = ja;
+    ds->ar_val[b] = va;
+    ds->ar_k[b] = ka;
+    ds->ar_pos[ka] = b;
+}
+
+/* The basis change in the copy: entering's entries join the basic part of
+ * their rows, leaving's the nonbasic part (an artificial has none). */
+void dual_row_swap(TRVlp lp, int entering, int leaving) {
+    const simplex_lp *s = &lp->solver->splp;
+    dual_state *ds = lp->dual;
+    for (int k = s->col_beg[entering]; k < s->col_end[entering]; k++) {
+        int i = s->row_idx[k];
+        int last = ds->ar_beg[i] + ds->ar_nnb[i] - 1;
+        swap_places(ds, ds->ar_pos[k], last);
+        ds->ar_nnb[i]--;
+    }
+    if (leaving >= s->ntotal) return;
+    for (int k = s->col_beg[leaving]; k < s->col_end[leaving]; k++) {
+        int i = s->row_idx[k];
+        int first = ds->ar_beg[i] + ds->ar_nnb[i];
+        swap_places(ds, ds->ar_pos[k], first);
+        ds->ar_nnb[i]++;
+    }
+}
+
+int dual_state_alloc(TRVenv env, TRVlp lp) {
+    (void)env;
+    dual_free(lp);
+    dual_state *ds = trv_zalloc<dual_state>(1);
+    if (ds == nullptr) return 1001;
+    lp->dual = ds;
+    const simplex_lp *s = &lp->solver->splp;
+    simplex_iter *it = &lp->solver->it;
+    int m = s->m, nc = s->ncoltot;
+    ds->lower = trv_alloc<double>(nc);
+    ds->upper = trv_alloc<double>(nc);
+    ds->cost = trv_alloc<double>(nc);
+    ds->rhs = trv_zalloc<double>(m);
+    ds->lo_on = trv_alloc<signed char>(nc);
+    ds->up_on = trv_alloc<signed char>(nc);
+    ds->prow = trv_zalloc<double>(nc);
+    ds->prow_idx = trv_alloc<int>(nc);
+    ds->work = trv_zalloc<double>(m);
+    ds->work2 = trv_zalloc<double>(m);
+    ds->cand_j = trv_alloc<int>(nc);
+    ds->cand_ratio = trv_alloc<double>(nc);
+    ds->cand_a = trv_alloc<double>(nc);
+    ds->cand_h = trv_alloc<double>(nc);
+    ds->flip_list = trv_alloc<int>(nc);
+    ds->attempted = trv_alloc<int>(64);
+    if (it->d == nullptr) it->d = trv_zalloc<double>(nc);
+    if (it->y == nullptr) it->y = trv_zalloc<double>(m);
+    if (it->dweight == nullptr) it->dweight = trv_alloc<double>(m);
+    if (!ds->lower || !ds->upper || !ds->cost || !ds->rhs || !ds->lo_on || !ds->up_on ||
+        !ds->prow || !ds->prow_idx || !ds->work || !ds->work2 || !ds->cand_j ||
+        !ds->cand_ratio || !ds->cand_a || !ds->cand_h || !ds->flip_list || !ds->attempted || !it->d ||
+        !it->y || !it->dweight)
+        return 1001;
+    if (sv_alloc(&ds->rho, m) || sv_alloc(&ds->col, m) || sv_alloc(&ds->alpha, m) ||
+        sv_alloc(&ds->tau, m) || sv_alloc(&ds->fcol, m) || sv_alloc(&ds->fdelta, m))
+        return 1001;
+    if (build_rowwise(s, ds)) return 1001;
+    for (int j = 0; j < nc; j++) ds->cost[j] = s->sense * s->cost[j];
+    const lp_data *d = lp->lpdata;
+    for (int i = 0; i < m; i++) ds->rhs[i] = d->rhs[i];
+    for (int i = 0; i < m; i++) it->dweight[i] = 1.0;
+    dual_true_bounds(lp);
+    it->has_dual = 1;
+    return 0;
+}
+
+/* The working bounds of the model (phase 2). */
+void dual_true_bounds(TRVlp lp) {
+    const simplex_lp *s = &lp->solver->splp;
+    dual_state *ds = lp->dual;
+    for (int j = 0; j < s->ncoltot; j++) {
+        ds->lower[j] = s->lower[j];
+        ds->upper[j] = s->upper[j];
+        ds->lo_on[j] = s->has_lower[j];
+        ds->up_on[j] = s->has_upper[j];
+    }
+    const lp_data *d = lp->lpdata;
+    for (int i = 0; i < s->m; i++) ds->rhs[i] = d->rhs[i];
+}
+
+/* The auxiliary box of phase 1, with a zero right-hand side. */
+static void aux_bounds(TRVlp lp) {
+    const simplex_lp *s = &lp->solver->splp;
+    dual_state *ds = lp->dual;
+    for (int j = 0; j < s->ncoltot; j++) {
+        bool fl = s->has_lower[j], fu = s->has_upper[j];
+        ds->lower[j] = fl ? 0.0 : -1.0;
+        ds->upper[j] = fu ? 0.0 : 1.0;
+        if (fl && fu) ds->lower[j] = ds->upper[j] = 0.0;
+        ds->lo_on[j] = 1;
+        ds->up_on[j] = 1;
+    }
+    for (int i = 0; i < s->m; i++) ds->rhs[i] = 0.0;
+}
+
+/* Nonbasic values from their status, basic values by a dense solve. */
+void dual_compute_x(TRVlp lp) {
+    const simplex_lp *s = &lp->solver->splp;
+    simplex_iter *it = &lp->solver->it;
+    dual_state *ds = lp->dual;
+    int m = s->m, nc = s->ncoltot;
+    double *w = ds->work;
+    for (int i = 0; i < m; i++) w[i] = ds->rhs[i];
+    for (int j = 0; j < nc; j++) {
+        int st = it->status[j];
+        if (st == 1) continue;
+        if (st == 0) it->x[j] = ds->lower[j];
+        else if (st == 2) it->x[j] = ds->upper[j];
+        else if (ds->lo_on[j] && ds->up_on[j]) it->x[j] = 0.0;
+        double v = it->x[j];
+        if (v == 0.0) continue;
+        for (int k = s->col_beg[j]; k < s->col_end[j]; k++) w[s->row_idx[k]] -= s->val[k] * v;
+    }
+    lu_ftran_dense(lp->factor, w);
+    for (int i = 0; i < m; i++) {
+        it->x[it->head[i]] = w[i];
+        w[i] = 0.0;
+    }
+}
+
+/* Duals from the basic costs, reduced costs of the nonbasic variables. */
+void dual_compute_d(TRVlp lp) {
+    const simplex_lp *s = &lp->solver->splp;
+    simplex_iter *it = &lp->solver->it;
+    dual_state *ds = lp->dual;
+    int m = s->m;
+    double *w = ds->work;
+    for (int i = 0; i < m; i++) w[i] = ds->cost[it->head[i]];
+    lu_btran_dense(lp->factor, w, ds->work2);
+    for (int i = 0; i < m; i++) {
+        it->y[i] = w[i];
+        w[i] = 0.0;
+        ds->work2[i] = 0.0;
+    }
+    const double *y = it->y;
+    for (int j = 0; j < s->ncoltot; j++) {
+        if (it->status[j] == 1) {
+            it->d[j] = 0.0;
+            continue;
+        }
+        double dj = ds->cost[j];
+        for (int k = s->col_beg[j]; k < s->col_end[j]; k++) dj -= y[s->row_idx[k]] * s->val[k];
+        it->d[j] = dj;
+    }
+}
+
+double dual_objective(TRVlp lp) {
+    const simplex_lp *s = &lp->solver->splp;
+    const simplex_iter *it = &lp->solver->it;
+    const dual_state *ds = lp->dual;
+    double z = 0.0;
+    for (int j = 0; j < s->ntotal; j++) z += ds->cost[j] * it->x[j];
+    return z;
+}
+
+/* Sum and count of the violations of the working bounds by basic values. */
+double dual_pinf(TRVlp lp, double tol, int *count) {
+    const simplex_lp *s = &lp->solver->splp;
+    const simplex_iter *it = &lp->solver->it;
+    const dual_state *ds = lp->dual;
+    double sum = 0.0;
+    int n = 0;
+    for (int i = 0; i < s->m; i++) {
+        int j = it->head[i];
+        double x = it->x[j], v = 0.0;
+        if (ds->lo_on[j] && x < ds->lower[j] - tol) v = ds->lower[j] - x;
+        else if (ds->up_on[j] && x > ds->upper[j] + tol) v = x - ds->upper[j];
+        if (v > 0.0) {
+            sum += v;
+            n++;
+        }
+    }
+    if (count) *count = n;
+    return sum;
+}
+
+/* A boxed nonbasic variable sits at the bound its reduced cost asks for;
+ * returns the count of moves (the basic values are then stale). */
+int dual_fix_boxed(TRVlp lp) {
+    const simplex_lp *s = &lp->solver->splp;
+    simplex_iter *it = &lp->solver->it;
+    dual_state *ds = lp->dual;
+    int moved = 0;
+    for (int j = 0; j < s->ncoltot; j++) {
+        int st = it->status[j];
+        if (st == 1 || !ds->lo_on[j] || !ds->up_on[j]) continue;
+        if (ds->lower[j] == ds->upper[j]) {
+            if (st == 3) it->status[j] = 0, moved++;
+            continue;
+        }
+        double dj = it->d[j];
+        if (st == 0 && dj < -ds->dual_tol) it->status[j] = 2, moved++;
+        else if (st == 2 && dj > ds->dual_tol) it->status[j] = 0, moved++;
+        else if (st == 3) it->status[j] = dj >= 0.0 ? 0 : 2, moved++;
+    }
+    return moved;
+}
+
+/* Count and sum of the dual infeasibilities of the nonbasic variables that
+ * are not boxed in the working bounds. */
+int dual_count_dinf(TRVlp lp, double tol, double *sum) {
+    const simplex_lp *s = &lp->solver->splp;
+    const simplex_iter *it = &lp->solver->it;
+    const dual_state *ds = lp->dual;
+    int n = 0;
+    double tot = 0.0;
+    for (int j = 0; j < s->ncoltot; j++) {
+        int st = it->status[j];
+        if (st == 1 || (ds->lo_on[j] && ds->up_on[j]) || it->ban[j] == 2) continue;
+        double v = dual_infeasibility(ds, it, j);
+        if (v > tol) {
+            n++;
+            tot += v;
+        }
+    }
+    if (sum) *sum = tot;
+    return n;
+}
+
+/* The status a nonbasic variable takes under the true bounds. */
+static void true_status(TRVlp lp) {
+    const simplex_lp *s = &lp->solver->splp;
+    simplex_iter *it = &lp->solver->it;
+    for (int j = 0; j < s->ncoltot; j++) {
+        if (it->status[j] == 1) continue;
+        bool fl = s->has_lower[j], fu = s->has_upper[j];
+        if (fl && fu) {
+            if (it->status[j] == 3) it->status[j] = it->d[j] >= 0.0 ? 0 : 2;
+        } else if (fl) {
+            it->status[j] = 0;
+        } else if (fu) {
+            it->status[j] = 2;
+        } else {
+            if (it->status[j] != 3) it->x[j] = 0.0;
+            it->status[j] = 3;
+        }
+    }
+}
+
+/* The values of the true bounds for a run that ends in phase 1. */
+void dual_true_values(TRVlp lp) {
+    dual_state *ds = lp->dual;
+    dual_true_bounds(lp);
+    true_status(lp);
+    dual_compute_x(lp);
+    ds->objective = dual_objective(lp);
+}
+
+/* The phase test on fresh reduced costs: phase 2 on the true bounds when
+ * no variable that is not boxed has a dual infeasibility, phase 1 on the
+ * auxiliary box otherwise. The basic values are recomputed. Returns 1 when
+ * the phase changed. */
+int dual_set_phase(TRVlp lp) {
+    dual_state *ds = lp->dual;
+    int old = ds->phase;
+    dual_true_bounds(lp);
+    true_status(lp);
+    ds->n_dinf = dual_count_dinf(lp, ds->dual_tol, &ds->sum_dinf);
+    if (ds->n_dinf == 0) {
+        ds->phase = 2;
+    } else {
+        ds->phase = 1;
+        aux_bounds(lp);
+    }
+    dual_fix_boxed(lp);
+    dual_compute_x(lp);
+    ds->objective = dual_objective(lp);
+    if (ds->phase == 1) ds->sum_dinf = -ds->objective;
+    return ds->phase != old;
+}
+
+/* The refactorization with repair allowed; the values, duals and phase
+ * follow. */
+int dual_refactor(TRVenv env, TRVlp lp) {
+    simplex_iter *it = &lp->solver->it;
+    dual_state *ds = lp->dual;
+    int st = lu_refactor(env, lp, &it->markowitz, it->pivot_tol, 1, 0);
+    if (st != 0 && st != RC_REPAIRED) return st;
+    ds->updates = 0;
+    ds->refactored = 1;
+    dual_row_partition(lp);
+    if (ds->n_banned > 0) {
+        for (int i = 0; i < lp->solver->splp.m; i++)
+            if (it->pos_ban[i] == 33) it->pos_ban[i] = 0;
+        ds->n_banned = 0;
+    }
+    dual_compute_d(lp);
+    if (st == RC_REPAIRED) {
+        dual_norms_reset(lp);
+        dual_set_phase(lp);
+        dual_progress_reset(lp);
+        return 0;
+    }
+    if (ds->phase == 2 && dual_count_dinf(lp, ds->dual_tol, nullptr) > 0) {
+        dual_set_phase(lp);
+        return 0;
+    }
+    dual_fix_boxed(lp);
+    dual_compute_x(lp);
+    ds->objective = dual_objective(lp);
+    if (ds->phase == 1) ds->sum_dinf = -ds->objective;
+    return 0;
+}
+
+int dual_refresh(TRVenv env, TRVlp lp) {
+    lu_record *lu = lp->factor;
+    if (lu == nullptr || !lu->valid || lp->dual->updates > 0) return dual_refactor(env, lp);
+    dual_compute_d(lp);
+    dual_set_phase(lp);
+    return 0;
+}
+
+/* The pivot row of basis position p over the nonbasic variables, in prow
+ * with its list; rho holds the row of the inverse. */
+void dual_pivot_row(TRVlp lp, int p) {
+    const simplex_lp *s = &lp->solver->splp;
+    const simplex_iter *it = &lp->solver->it;
+    dual_state *ds = lp->dual;
+    for (int k = 0; k < ds->prow_nz; k++) ds->prow[ds->prow_idx[k]] = 0.0;
+    ds->prow_nz = 0;
+    sparse_vec *r = &ds->rho;
+    sv_clear(r);
+    lu_btran_row(lp->factor, r, p);
+    if (r->nz < 0) sv_from_dense(r);
+    long work = 0;
+    for (int k = 0; k < r->nz; k++) work += ds->ar_nnb[r->idx[k]];
+    const signed char *status = it->status;
+    if (work < s->nz_matrix / 2) {
+        /* the nonbasic part of the rows of rho; a sum that cancels to zero
+         * keeps a tiny stand-in so that the list stays without repeats */
+        double *prow = ds->prow;
+        int *list = ds->prow_idx, nz = 0;
+        for (int k = 0; k < r->nz; k++) {
+            int i = r->idx[k];
+            double v = r->val[i];
+            if (v == 0.0) continue;
+            const int *idx = ds->ar_idx;
+            const double *val = ds->ar_val;
+            for (int e = ds->ar_beg[i], end = e + ds->ar_nnb[i]; e < end; e++) {
+                int j = idx[e];
+                double old = prow[j];
+                if (old == 0.0) list[nz++] = j;
+                double nw = old + v * val[e];
+                prow[j] = nw != 0.0 ? nw : 1e-300;
+            }
+        }
+        ds->prow_nz = nz;
+    } else {
+        const double *rv = r->val;
+        for (int j = 0; j < s->ntotal; j++) {
+            if (status[j] == 1) continue;
+            double v = 0.0;
+            for (int k = s->col_beg[j]; k < s->col_end[j]; k++) v += rv[s->row_idx[k]] * s->val[k];
+            if (v != 0.0) {
+                ds->prow_idx[ds->prow_nz++] = j;
+                ds->prow[j] = v;
+            }
+        }
+    }
+}
+
+/* ---- the iteration log ---------------------------------------------------- */
+
+static void log_header(TRVenv env, dual_state *ds) {
+    if (ds->header_done) return;
+    TRVmsg(env->reschannel, "\nIteration log . . .\n");
+    ds->header_done = 1;
+}
+
+/* The summary line; at display level 1 only after a factorization or a
+ * change of phase unless forced. */
+void dual_log(TRVenv env, TRVlp lp, int force) {
+    dual_state *ds = lp->dual;
+    if (ds->display < 1) return;
+    if (!force && !ds->refactored && ds->phase == ds->last_phase_logged) return;
+    log_header(env, ds);
+    int n_it = lp->solver->it.n_it;
+    if (ds->phase == 1)
+        TRVmsg(env->reschannel, ds->scaled ? "Iteration: %5d    Scaled infeas = %20.6f\n"
+                                           : "Iteration: %5d    Infeasibility = %20.6f\n",
+               n_it, -ds->objective);
+    else
+        TRVmsg(env->reschannel, "Iteration: %5d    Objective     = %20.6f\n", n_it,
+               lp->solver->splp.sense * ds->objective);
+    ds->refactored = 0;
+    ds->last_phase_logged = ds->phase;
+}
+
+void dual_log_detail(TRVenv env, TRVlp lp) {
+    dual_state *ds = lp->dual;
+    log_header(env, ds);
+    if (!ds->detail_head_done) {
+        TRVmsg(env->reschannel, "       In Variable           Out Variable\n");
+        ds->detail_head_done = 1;
+    }
+    char tag[32], val[40], in[300], out[300];
+    int n_it = lp->solver->it.n_it;
+    if (ds->phase == 1)
+        std::snprintf(tag, sizeof tag, ds->perturb.active ? "%6d sI" : "%6d  I", n_it);
+    else
+        std::snprintf(tag, sizeof tag, "%6d   ", n_it);
+    double z = ds->phase == 1 ? -ds->objective : lp->solver->splp.sense * ds->objective;
+    std::snprintf(val, sizeof val, std::fabs(z) > 1e11 ? "%20.6e" : "%20.6f", z);
+    if (ds->entered >= 0)
+        primal_varlabel(env, lp, ds->entered, in, sizeof in);
+    else
+        in[0] = '\0';
+    if (ds->left >= 0)
+        primal_varlabel(env, lp, ds->left, out, sizeof out);
+    else if (ds->left_status == 2)
+        std::snprintf(out, sizeof out, "    goes to upper bound");
+    else if (ds->left_status == 0)
+        std::snprintf(out, sizeof out, "    goes to lower bound");
+    else
+        std::snprintf(out, sizeof out, "      leaves superbasis");
+    TRVmsg(env->reschannel, "%s%s  %-20s  %s\n", tag, val, in, out);
+}

@@ -1,0 +1,155 @@
+/*
+ * dstart.cpp - the basis that a finished run leaves on the problem, with
+ * the dual norms of its basic variables, and its load into the working LP
+ * of a later run. The record is kept in the model's terms (a status per
+ * structural column, and per row for its slack or artificial and for its
+ * range column), so that it survives a change of bounds or costs; columns
+ * and rows added after it was saved enter nonbasic and with their slacks
+ * basic respectively.
+ */
+#include <cmath>
+
+#include "simplex/dual.h"
+
+void start_free(TRVlp lp) {
+    start_rec *sr = lp->start;
+    if (sr == nullptr) return;
+    trv_free(&sr->cstat);
+    trv_free(&sr->rstat);
+    trv_free(&sr->gstat);
+    trv_free(&sr->cnorm);
+    trv_free(&sr->rnorm);
+    trv_free(&sr->gnorm);
+    trv_free(&lp->start);
+}
+
+/* The variable standing for row i: its slack, or its artificial. */
+static int row_var(const simplex_lp *s, int i) { return s->slack_of_row[i]; }
+
+int start_save(TRVlp lp, int with_norms) {
+    if (lp->solver == nullptr) return 0;
+    const simplex_lp *s = &lp->solver->splp;
+    const simplex_iter *it = &lp->solver->it;
+    start_free(lp);
+    start_rec *sr = trv_zalloc<start_rec>(1);
+    if (sr == nullptr) return 1001;
+    lp->start = sr;
+    int n = s->n, m = s->m;
+    sr->ncols = n;
+    sr->nrows = m;
+    sr->cstat = trv_alloc<signed char>(n);
+    sr->rstat = trv_alloc<signed char>(m);
+    sr->gstat = trv_alloc<signed char>(m);
+    sr->cnorm = trv_zalloc<double>(n);
+    sr->rnorm = trv_zalloc<double>(m);
+    sr->gnorm = trv_zalloc<double>(m);
+    if (!sr->cstat || !sr->rstat || !sr->gstat || !sr->cnorm || !sr->rnorm || !sr->gnorm) {
+        start_free(lp);
+        return 1001;
+    }
+    for (int j = 0; j < n; j++) sr->cstat[j] = it->status[j];
+    for (int i = 0; i < m; i++) {
+        int j = row_var(s, i);
+        sr->rstat[i] = it->status[j];
+        /* an artificial of a row with a slack counts as that row's */
+        if (j != s->ntotal + i && it->status[s->ntotal + i] == 1) sr->rstat[i] = 1;
+        sr->gstat[i] = -1;
+    }
+    for (int j = n; j < s->nstruct; j++) {
+        int i = s->row_of_var[j];
+        if (i >= 0) sr->gstat[i] = it->status[j];
+    }
+    sr->has_norms = with_norms && it->dweight != nullptr && lp->dual != nullptr &&
+                    lp->dual->pricing != DPR_PLAIN && lp->dual->pricing != DPR_SWITCH;
+    if (sr->has_norms) {
+        for (int p = 0; p < m; p++) {
+            int j = it->head[p];
+            if (j < n) sr->cnorm[j] = it->dweight[p];
+            else if (j < s->nstruct) sr->gnorm[s->row_of_var[j]] = it->dweight[p];
+            else sr->rnorm[s->row_of_var[j]] = it->dweight[p];
+        }
+    }
+    return 0;
+}
+
+/* The status a nonbasic variable can take with its bounds. */
+static int fit_status(const simplex_lp *s, int j, int st) {
+    bool fl = s->has_lower[j], fu = s->has_upper[j];
+    if (st == 0 && fl) return 0;
+    if (st == 2 && fu) return 2;
+    if (st == 3 && !fl && !fu) return 3;
+    if (!fl && !fu) return 3;
+    if (fl && (!fu || std::fabs(s->lower[j]) <= std::fabs(s->upper[j]))) return 0;
+    return 2;
+}
+
+/* The stored status of working variable j, or -1 when the record has none
+ * (a column or row added since). */
+static int stored_status(const start_rec *sr, const simplex_lp *s, int j) {
+    if (j < s->n) return j < sr->ncols ? sr->cstat[j] : -1;
+    int i = s->row_of_var[j];
+    if (i < 0 || i >= sr->nrows) return -1;
+    if (j < s->nstruct) return sr->gstat[i];
+    return j == row_var(s, i) ? sr->rstat[i] : -1;
+}
+
+int start_load(TRVenv env, TRVlp lp) {
+    start_rec *sr = lp->start;
+    if (sr == nullptr || lp->solver == nullptr || par_int(env, 1001) == 0) return 0;
+    const simplex_lp *s = &lp->solver->splp;
+    simplex_iter *it = &lp->solver->it;
+    int m = s->m;
+    if (sr->ncols > s->n || sr->nrows > m) return 0;
+    int nb = 0;
+    for (int j = 0; j < s->ncoltot; j++) {
+        int st = stored_status(sr, s, j);
+        /* a row added since the save enters with its slack basic */
+        if (st < 0 && j >= s->ntotal) st = 0;
+        if (st < 0 && j >= s->nstruct && j == row_var(s, s->row_of_var[j])) st = 1;
+        if (st == 1 && nb < m) {
+            it->status[j] = 1;
+            it->head[nb++] = j;
+        } else {
+            it->status[j] = static_cast<signed char>(fit_status(s, j, st == 1 ? 0 : st));
+        }
+    }
+    /* too few basic variables: slacks fill the basis, and the
+     * factorization's repair replaces those that make it singular */
+    for (int i = 0; i < m && nb < m; i++) {
+        int j = row_var(s, i);
+        if (it->status[j] == 1) continue;
+        it->status[j] = 1;
+        it->head[nb++] = j;
+    }
+    for (int j = 0; j < s->ncoltot; j++) {
+        if (it->status[j] == 0) it->x[j] = s->lower[j];
+        else if (it->status[j] == 2) it->x[j] = s->upper[j];
+        else if (it->status[j] == 3) it->x[j] = 0.0;
+    }
+    return 1;
+}
+
+int start_norms(TRVlp lp) {
+    const start_rec *sr = lp->start;
+    const simplex_lp *s = &lp->solver->splp;
+    simplex_iter *it = &lp->solver->it;
+    int missing = 0;
+    for (int p = 0; p < s->m; p++) {
+        int j = it->head[p];
+        double w = 0.0;
+        if (sr != nullptr && sr->has_norms) {
+            if (j < s->n) {
+                if (j < sr->ncols) w = sr->cnorm[j];
+            } else {
+                int i = s->row_of_var[j];
+                if (i >= 0 && i < sr->nrows) {
+                    if (j < s->nstruct) w = sr->gnorm[i];
+                    else if (j == row_var(s, i)) w = sr->rnorm[i];
+                }
+            }
+        }
+        it->dweight[p] = w;
+        if (w < 1e-10) missing++;
+    }
+    return missing;
+}

@@ -1,0 +1,440 @@
+/*
+ * dualopt.cpp - the dual simplex driver: the set-up of a run, the main loop
+ * with its stopping tests, and the end of a run: removal of the cost
+ * perturbation and shifts, the checks of the decision on a fresh
+ * factorization, and the hand-over to the primal simplex when the true
+ * costs leave the basis dual infeasible or when the dual proves dual
+ * infeasibility and only the primal can tell unboundedness from
+ * infeasibility.
+ */
+#include <cmath>
+
+#include "frame/callback.h"
+#include "simplex/dual.h"
+
+static int candidates_for(int n) {
+    static const int lim[] = {100, 500, 1000, 5000, 10000, 100000};
+    static const int val[] = {5, 10, 15, 20, 25, 30};
+    for (int k = 0; k < 6; k++)
+        if (n < lim[k]) return val[k];
+    return 35;
+}
+
+static void load_run_parameters(TRVenv env, TRVlp lp) {
+    const simplex_lp *s = &lp->solver->splp;
+    dual_state *ds = lp->dual;
+    ds->dual_tol = par_dbl(env, 1014);
+    ds->feas_tol = par_dbl(env, 1016);
+    ds->p1_tol = 1e-7;
+    double h = par_dbl(env, 1049);
+    ds->harris_delta = h < ds->dual_tol ? h : ds->dual_tol;
+    if (s->harris_dual > 0.0 && s->harris_dual < ds->harris_delta) ds->harris_delta = s->harris_dual;
+    ds->harris_base = ds->harris_delta;
+    ds->infeas_limit = s->m * ds->dual_tol;
+    ds->display = par_int(env, 1019);
+    ds->it_limit = par_int(env, 1020);
+    ds->time_limit = par_dbl(env, 1039);
+    /* the run minimises sense * c x: an upper limit on a minimisation, the
+     * negated lower limit of a maximisation */
+    ds->obj_limit = s->sense > 0 ? par_dbl(env, 1026) : -par_dbl(env, 1025);
+    ds->candidates_max = candidates_for(s->n);
+    ds->perturb.size = par_dbl(env, 1015);
+    ds->perturb.shift_limit = PR_NOLIMIT;
+    ds->last_phase_logged = 0;
+    ds->entered = ds->left = -1;
+    ds->fast = par_int(env, 1017) > 0;
+    ds->scaled = lp->lpdata->colscale != nullptr;
+    ds->last_perturb_it = -1;
+}
+
+/* The figures of a running dual for TRVgetcallbackinfo. */
+static int dual_cbinfo(TRVlp lp, int wherefrom, int whichinfo, void *result) {
+    dual_state *ds = lp->dual;
+    if (wherefrom != TRV_CALLBACK_DUAL || ds == nullptr) return 1006;
+    double *r = static_cast<double *>(result);
+    switch (whichinfo) {
+    case 2:
+        *r = lp->solver->splp.sense * (ds->phase == 1 ? dual_objective(lp) : ds->objective);
+        return 0;
+    case 3:
+        *r = dual_pinf(lp, 0.0, nullptr);
+        return 0;
+    case 4: {
+        double sum = 0.0;
+        if (ds->phase == 1) sum = -ds->objective;
+        else dual_count_dinf(lp, 0.0, &sum);
+        *r = sum;
+        return 0;
+    }
+    case 6:
+        *static_cast<int *>(result) = ds->phase - 1;
+        return 0;
+    default:
+        return 1003;
+    }
+}
+
+/* Objective limit of phase 2: the dual objective only rises, so once it
+ * passes the limit, confirmed on a fresh factorization, the run stops with
+ * status 4. */
+static int objective_limit(TRVenv env, TRVlp lp) {
+    dual_state *ds = lp->dual;
+    if (ds->phase != 2 || ds->obj_limit >= PR_BIG) return 0;
+    if (ds->perturb.active || ds->perturb.shift_count > 0) return 0;
+    if (ds->objective < ds->obj_limit) return 0;
+    if (ds->fast) {
+        ds->status = LPS_OBJLIM;
+        return 0;
+    }
+    if (ds->updates > 0) {
+        int st = dual_refactor(env, lp);
+        if (st != 0) return st;
+    }
+    ds->objective = dual_objective(lp);
+    if (ds->phase == 2 && ds->objective >= ds->obj_limit) ds->status = LPS_OBJLIM;
+    return 0;
+}
+
+static void elapsed_print(TRVenv env, TRVlp lp) {
+    dual_state *ds = lp->dual;
+    int n = lp->solver->it.n_it;
+    if (ds->display == 0 || n == 0 || n % 1000 != 0) return;
+    if (n - ds->last_elapsed_it < 1000) return;
+    double now = env_time(env);
+    if (now - ds->last_elapsed_print < 10.0) return;
+    TRVmsg(env->reschannel, "Elapsed time = %7.2f sec. (%d iterations)\n",
+           now - ds->start_time, n);
+    TRVflushchannel(env, env->reschannel);
+    ds->last_elapsed_print = now;
+    ds->last_elapsed_it = n;
+}
+
+static int main_loop(TRVenv env, TRVlp lp) {
+    simplex_iter *it = &lp->solver->it;
+    dual_state *ds = lp->dual;
+    dual_progress_reset(lp);
+    while (true) {
+        if (it->n_it >= ds->it_limit || ds->abort) break;
+        if (cb_call(env, PAR_LP, lp, TRV_CALLBACK_DUAL) != 0) {
+            ds->abort = 1;
+            break;
+        }
+        if (it->n_it > 0 && it->n_it % 25 == 0 && ds->time_limit < PR_BIG &&
+            env_time(env) - ds->start_time >= ds->time_limit) {
+            ds->abort = 2;
+            break;
+        }
+        int phase_before = ds->phase;
+        int st = dual_iterate(env, lp);
+        if (st != 0) return st;
+        if (ds->status != 0) break;
+        st = objective_limit(env, lp);
+        if (st != 0) return st;
+        if (ds->status != 0) break;
+        elapsed_print(env, lp);
+        st = dual_progress_check(env, lp);
+        if (st != 0) return st;
+        it->n_it++;
+        if (phase_before == 1) ds->n_it_phase1++;
+        if (ds->display >= 2) dual_log_detail(env, lp);
+        else if (ds->display == 1) dual_log(env, lp, 0);
+    }
+    return 0;
+}
+
+/* Status of a run that stopped on a limit or an abort: feasible means
+ * primal feasible here, as for the primal simplex. */
+static int limit_status(TRVlp lp) {
+    const dual_state *ds = lp->dual;
+    int n_inf = 0;
+    dual_pinf(lp, ds->feas_tol, &n_inf);
+    bool feas = ds->phase == 2 && n_inf == 0;
+    if (ds->abort == 1) return feas ? LPS_ABORT_FEAS : LPS_ABORT_INFEAS;
+    if (ds->abort == 2) return feas ? LPS_TIME_FEAS : LPS_TIME_INFEAS;
+    return feas ? LPS_IT_FEAS : LPS_IT_INFEAS;
+}
+
+/* A cold start where many structurals have a zero reduced cost: the run
+ * would stall on ties from its first iterations, so the costs are
+ * perturbed at once rather than after the first stall. */
+static bool dual_degenerate(TRVlp lp) {
+    const simplex_lp *s = &lp->solver->splp;
+    const simplex_iter *it = &lp->solver->it;
+    const dual_state *ds = lp->dual;
+    int nonbasic = 0, zero = 0;
+    for (int j = 0; j < s->n; j++) {
+        if (it->status[j] == 1) continue;
+        if (ds->lo_on[j] && ds->up_on[j] && ds->lower[j] == ds->upper[j]) continue;
+        nonbasic++;
+        if (std::fabs(it->d[j]) <= ds->dual_tol) zero++;
+    }
+    return nonbasic > 0 && 20 * zero >= nonbasic;
+}
+
+/* The basis goes to the primal simplex, which finishes the run from it.
+ * The iteration counts add up; the primal's status stands. */
+static int hand_to_primal(TRVenv env, TRVlp lp) {
+    dual_state *ds = lp->dual;
+    simplex_iter *it = &lp->solver->it;
+    int n_it = it->n_it, n1 = ds->n_it_phase1;
+    double start = ds->start_time;
+    int left = ds->it_limit - n_it;
+    (void)left;
+    int st = start_save(lp, 1);
+    if (st != 0) return st;
+    int keep = par_int(env, 1001);
+    TRVsetintparam(env, 1001, 1);
+    st = primal_opt(env, lp, n_it, n1, start, par_int(env, 1029), 0);
+    TRVsetintparam(env, 1001, keep);
+    lp->solver->cbinfo = nullptr;
+    return st;
+}
+
+/* The primal's basis after the removal of its perturbation: primal
+ * infeasible (phase 1 again). With parameter 1063 at 1 the dual takes over
+ * at once; at 0 when the infeasibility is large against the columns and
+ * the basis is far more primal degenerate than dual degenerate. */
+int dual_takeover(TRVenv env, TRVlp lp, int *rc) {
+    *rc = 0;
+    primal_state *ps = lp->primal;
+    int h = par_int(env, 1063);
+    /* a primal that the dual started does not hand back */
+    if (h < 0 || ps == nullptr || ps->phase != 1 || lp->dual != nullptr) return 0;
+    const simplex_lp *s = &lp->solver->splp;
+    const simplex_iter *it = &lp->solver->it;
+    if (h == 0) {
+        if (ps->sum_inf / (s->ntotal + 1) < 1e-4) return 0;
+        int near = 0, zero = 0, nonbasic = 0;
+        for (int i = 0; i < s->m; i++) {
+            int j = it->head[i];
+            double x = it->x[j];
+            if ((s->has_lower[j] && std::fabs(x - ps->lower[j]) <= ps->feas_tol) ||
+                (s->has_upper[j] && std::fabs(x - ps->upper[j]) <= ps->feas_tol))
+                near++;
+        }
+        for (int j = 0; j < s->ntotal; j++) {
+            if (it->status[j] == 1) continue;
+            nonbasic++;
+            if (std::fabs(primal_dj(lp, j)) <= ps->opt_tol) zero++;
+        }
+        double p = double(near) / (s->m > 0 ? s->m : 1);
+        double q = double(zero) / (nonbasic > 0 ? nonbasic : 1);
+        if (!(p > 4.0 * q)) return 0;
+    }
+    int st = start_save(lp, 0);
+    if (st != 0) {
+        *rc = st;
+        return 1;
+    }
+    int keep = par_int(env, 1001);
+    TRVsetintparam(env, 1001, 1);
+    *rc = dual_opt(env, lp, it->n_it, ps->n_it_phase1, ps->start_time, par_int(env, 1009), 1);
+    TRVsetintparam(env, 1001, keep);
+    return 1;
+}
+
+/* The largest violation in the caller's units of a scaled run: of a bound
+ * by a basic value (dual 0) or of the sign of a reduced cost (dual 1). */
+static double unscaled_violation(TRVlp lp, int dual) {
+    const lp_data *d = lp->lpdata;
+    if (d->colscale == nullptr) return 0.0;
+    const simplex_lp *s = &lp->solver->splp;
+    const simplex_iter *it = &lp->solver->it;
+    const dual_state *ds = lp->dual;
+    double worst = 0.0;
+    if (!dual) {
+        for (int i = 0; i < s->m; i++) {
+            int j = it->head[i];
+            double x = it->x[j], v = 0.0;
+            if (ds->lo_on[j] && x < ds->lower[j]) v = ds->lower[j] - x;
+            if (ds->up_on[j] && x > ds->upper[j]) v = x - ds->upper[j];
+            if (v == 0.0 || j >= s->ntotal) continue;
+            v = j < s->nstruct ? v / d->colscale[j] : v * d->rowscale[s->row_of_var[j]];
+            if (v > worst) worst = v;
+        }
+        return worst;
+    }
+    for (int j = 0; j < s->ntotal; j++) {
+        if (it->status[j] == 1) continue;
+        if (ds->lo_on[j] && ds->up_on[j]) continue; /* boxed: a flip fixes it */
+        double v = dual_infeasibility(ds, it, j);
+        if (v == 0.0) continue;
+        v *= j < s->nstruct ? d->colscale[j] : 1.0 / d->rowscale[s->row_of_var[j]];
+        if (v > worst) worst = v;
+    }
+    return worst;
+}
+
+/* Removal of the perturbation and the decision on fresh figures. Returns 1
+ * when the main loop must run again, 2 when the primal takes over. */
+static int confirm_optimum(TRVenv env, TRVlp lp, int internal, int *err) {
+    dual_state *ds = lp->dual;
+    *err = 0;
+    dual_remove(env, lp);
+    /* the refactorization flips the boxed variables to the bound their
+     * reduced cost asks for and falls back to phase 1 when another
+     * variable is dual infeasible */
+    int st = dual_refactor(env, lp);
+    if (st != 0) {
+        *err = st;
+        return 0;
+    }
+    if (ds->phase == 1) {
+        /* the true costs leave the basis dual infeasible: the primal takes
+         * over when asked to (parameter 1063 at 1) or when many variables
+         * are wrong; otherwise the dual goes through its phase 1 again,
+         * which keeps its accuracy on models with wide value ranges */
+        ds->status = 0;
+        int h = par_int(env, 1063);
+        int many = lp->solver->splp.n / 10 > 10 ? lp->solver->splp.n / 10 : 10;
+        if (internal) h = -1; /* no hand-back to a primal that handed over */
+        if (h == 1 || (h == 0 && ds->n_dinf > many)) return 2;
+        return 1;
+    }
+    int n_inf = 0;
+    dual_pinf(lp, ds->feas_tol, &n_inf);
+    if (n_inf > 0) {
+        ds->status = 0;
+        return 1;
+    }
+    /* a scaled optimum must also be one in the caller's units: the
+     * working tolerance that let a violation through is tightened */
+    double w = unscaled_violation(lp, 0);
+    double tol = par_dbl(env, 1016);
+    if (w > tol && ds->feas_tol > 1e-12) {
+        ds->feas_tol = std::fmax(ds->feas_tol * tol / w, 1e-12);
+        ds->status = 0;
+        return 1;
+    }
+    w = unscaled_violation(lp, 1);
+    tol = par_dbl(env, 1014);
+    if (w > tol && ds->dual_tol > 1e-12) {
+        ds->dual_tol = std::fmax(ds->dual_tol * tol / w, 1e-12);
+        ds->status = 0;
+        dual_set_phase(lp);
+        return 1;
+    }
+    /* one polishing round at a tenth of both tolerances: reduced costs
+     * and violations just inside them can still move the objective
+     * visibly on models with large values */
+    if (!ds->polished) {
+        ds->polished = 1;
+        ds->dual_tol *= 0.1;
+        ds->feas_tol *= 0.1;
+        if (dual_count_dinf(lp, ds->dual_tol, nullptr) > 0) {
+            ds->status = 0;
+            dual_set_phase(lp);
+            return 1;
+        }
+        if (dual_fix_boxed(lp) > 0) dual_compute_x(lp);
+        dual_pinf(lp, ds->feas_tol, &n_inf);
+        if (n_inf > 0) {
+            ds->status = 0;
+            return 1;
+        }
+    }
+    return 0;
+}
+
+int dual_opt(TRVenv env, TRVlp lp, int it_so_far, int it1_so_far, double start_time,
+             int mode, int internal) {
+    int pricing = 0;
+    int st = dual_pricing_mode(env, lp, mode, &pricing);
+    if (st != 0) return st;
+    st = dual_state_alloc(env, lp);
+    if (st != 0) return st;
+    dual_state *ds = lp->dual;
+    simplex_iter *it = &lp->solver->it;
+    load_run_parameters(env, lp);
+    ds->pricing = pricing;
+    lp->solver->cbinfo = dual_cbinfo;
+    ds->start_time = start_time;
+    ds->last_elapsed_print = start_time;
+    it->n_it = it_so_far;
+    ds->n_it_phase1 = it1_so_far;
+    st = lu_alloc(env, lp);
+    if (st != 0) return st;
+    /* the kept basis of the problem, or the slack basis the working LP
+     * was built with */
+    int loaded = start_load(env, lp);
+    if (mode == 0 && loaded && par_int(env, 1001) != 0) ds->pricing = DPR_STEEP_UNIT;
+    dual_progress_init(env, ds, lp->solver->splp.n);
+    ds->phase = 0;
+    st = dual_refactor(env, lp);
+    if (st != 0) return st;
+    dual_set_phase(lp);
+    st = dual_norms_init(env, lp);
+    if (st != 0) return st;
+    if (par_int(env, 1027) || (!loaded && dual_degenerate(lp))) dual_perturb(env, lp);
+    if (ds->display == 1) dual_log(env, lp, 1);
+    int rounds = 0;
+    while (true) {
+        st = main_loop(env, lp);
+        if (st != 0) return st;
+        if (ds->status == 0) {
+            /* a limit or an abort: the values on the true costs */
+            if (ds->perturb.active || ds->perturb.shift_count > 0) dual_remove(env, lp);
+            ds->status = limit_status(lp);
+            break;
+        }
+        if (ds->status == LPS_OBJLIM || ds->status == LPS_NONOPT_FEAS ||
+            ds->status == LPS_NONOPT_INFEAS)
+            break;
+        if (++rounds > 30) break;
+        if (ds->status == LPS_OPTIMAL) {
+            int err = 0;
+            int again = confirm_optimum(env, lp, internal, &err);
+            if (err != 0) return err;
+            if (again == 1) continue;
+            if (again == 2) return hand_to_primal(env, lp);
+            break;
+        }
+        if (ds->status == LPS_UNB_OR_INF) {
+            /* dual infeasible: only the primal tells unbounded from
+             * infeasible, unless the caller asked for no hand-over */
+            dual_remove(env, lp);
+            if (par_int(env, 1063) >= 0) return hand_to_primal(env, lp);
+            break;
+        }
+        if (ds->status == LPS_INFEASIBLE) {
+            /* the proof must stand on a fresh factorization and the true
+             * bounds */
+            ds->status = 0;
+            dual_remove(env, lp);
+            st = dual_refactor(env, lp);
+            if (st != 0) return st;
+            int n_inf = 0;
+            dual_pinf(lp, ds->feas_tol, &n_inf);
+            if (n_inf == 0 && ds->phase == 2) {
+                ds->status = LPS_OPTIMAL;
+                int err = 0;
+                int again = confirm_optimum(env, lp, internal, &err);
+                if (err != 0) return err;
+                if (again == 1) continue;
+                if (again == 2) return hand_to_primal(env, lp);
+                break;
+            }
+            ds->status = LPS_INFEASIBLE;
+            break;
+        }
+        break;
+    }
+    /* final figures on a fresh factorization and the true costs */
+    if (ds->status != LPS_OBJLIM || !ds->fast) {
+        if (ds->perturb.active || ds->perturb.shift_count > 0) dual_remove(env, lp);
+        if (ds->updates > 0 || !lp->factor->valid) {
+            int phase = ds->phase;
+            st = dual_refactor(env, lp);
+            if (st != 0) return st;
+            ds->phase = phase;
+        } else {
+            dual_compute_d(lp);
+            dual_compute_x(lp);
+        }
+        ds->objective = dual_objective(lp);
+    }
+    if (ds->phase == 1) dual_true_values(lp);
+    if (ds->display >= 1) dual_log(env, lp, 1);
+    lp->stat = ds->status;
+    return 0;
+}
