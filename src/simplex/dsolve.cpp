@@ -16,12 +16,7 @@ static void run_release(TRVlp lp) {
     simplex_free(lp);
 }
 
-static int dual_check(TRVlp lp) {
-    if (!lp_valid(lp)) return 1009;
-    if (lp->probtype == PROB_MIP) return 1017;
-    if (lp->probtype == PROB_QP) return 1018;
-    return 0;
-}
+int solve_check(TRVenv env, TRVlp lp);
 
 static int dual_run(TRVenv env, TRVlp lp, double start, int *itcnt, int *ph1) {
     int status = simplex_build(env, lp);
@@ -36,7 +31,7 @@ static int dual_run(TRVenv env, TRVlp lp, double start, int *itcnt, int *ph1) {
 
 TRV_EXPORT int TRVdualopt(TRVenv env, TRVlp lp) {
     if (!env_valid(env)) return 1002;
-    int status = dual_check(lp);
+    int status = solve_check(env, lp);
     if (status != 0) {
         env_report(env, &status);
         return status;

@@ -16,7 +16,8 @@ static void run_release(TRVlp lp) {
     simplex_free(lp);
 }
 
-static int prim_check(TRVenv env, TRVlp lp) {
+/* The checks that open both simplex entries. */
+int solve_check(TRVenv env, TRVlp lp) {
     if (!lp_valid(lp)) return 1009;
     if (lp->probtype == PROB_MIP) return 1017;
     if (lp->probtype == PROB_QP) return 1018;
@@ -38,7 +39,7 @@ static int prim_run(TRVenv env, TRVlp lp, double start, int *itcnt, int *ph1) {
 
 TRV_EXPORT int TRVprimopt(TRVenv env, TRVlp lp) {
     if (!env_valid(env)) return 1002;
-    int status = prim_check(env, lp);
+    int status = solve_check(env, lp);
     if (status != 0) {
         env_report(env, &status);
         return status;
