@@ -163,16 +163,16 @@ static int write_solution(TRVenv env, TRVlp lp, const char *path) {
     fprintf(f, "objective %.12g\n\nvariable value reduced_cost\n", obj);
     for (k = 0; k < n; k++) {
         if (cname[0] != NULL)
-            fprintf(f, "%s %.12g %.12g\n", cname[k], x[k], dj[k]);
+            fprintf(f, "%s %.12g %.12g\n", cname[k], x[k] + 0.0, dj[k] + 0.0);
         else
-            fprintf(f, "x%d %.12g %.12g\n", k + 1, x[k], dj[k]);
+            fprintf(f, "x%d %.12g %.12g\n", k + 1, x[k] + 0.0, dj[k] + 0.0);
     }
     fprintf(f, "\nrow slack dual\n");
     for (k = 0; k < m; k++) {
         if (rname[0] != NULL)
-            fprintf(f, "%s %.12g %.12g\n", rname[k], slack[k], pi[k]);
+            fprintf(f, "%s %.12g %.12g\n", rname[k], slack[k] + 0.0, pi[k] + 0.0);
         else
-            fprintf(f, "c%d %.12g %.12g\n", k + 1, slack[k], pi[k]);
+            fprintf(f, "c%d %.12g %.12g\n", k + 1, slack[k] + 0.0, pi[k] + 0.0);
     }
     fclose(f);
 done:

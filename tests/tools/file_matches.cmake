@@ -1,0 +1,8 @@
+# Fails unless FILE exists and its text matches PATTERN.
+if(NOT EXISTS "${FILE}")
+  message(FATAL_ERROR "${FILE} was not written")
+endif()
+file(READ "${FILE}" text)
+if(NOT text MATCHES "${PATTERN}")
+  message(FATAL_ERROR "${FILE} does not match '${PATTERN}':\n${text}")
+endif()
