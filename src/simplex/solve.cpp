@@ -1,7 +1,8 @@
 /*
- * solve.cpp - the exported entry of the primal simplex: the checks, the
+ * solve.cpp - the procedure around both simplex drivers: the checks, the
  * preparation of the model (scaling, the working LP), the driver, and the
- * hand-over of the solution to the problem record.
+ * hand-over of the solution and the final basis to the problem record;
+ * the exported entry of the primal simplex.
  */
 #include "simplex/dual.h"
 
@@ -37,7 +38,11 @@ static int prim_run(TRVenv env, TRVlp lp, double start, int *itcnt, int *ph1) {
     return status;
 }
 
-TRV_EXPORT int TRVprimopt(TRVenv env, TRVlp lp) {
+/* The procedure around a simplex driver, the same for both: checks,
+ * scaling, the run, a rescue without scaling when the scaled optimum fails
+ * in the caller's units, the solution record, and the final basis kept for
+ * a later warm start (the dual keeps its norms with it). */
+int solve_simplex(TRVenv env, TRVlp lp, int method, solve_run_fn run) {
     if (!env_valid(env)) return 1002;
     int status = solve_check(env, lp);
     if (status != 0) {
@@ -59,23 +64,25 @@ TRV_EXPORT int TRVprimopt(TRVenv env, TRVlp lp) {
         lp_unscale(env, lp);
     }
     int itcnt = 0, ph1 = 0;
-    status = prim_run(env, lp, start, &itcnt, &ph1);
+    status = run(env, lp, start, &itcnt, &ph1);
     if (status == 0 && lp->stat == LPS_OPT_UNSCALED && lp->lpdata->colscale != nullptr) {
-        /* rescue: the same problem without scaling */
         run_release(lp);
         lp_unscale(env, lp);
         lp->lpdata->scaletype = -1;
         int it2 = 0, ph2 = 0;
-        status = prim_run(env, lp, start, &it2, &ph2);
+        status = run(env, lp, start, &it2, &ph2);
         itcnt += it2;
         ph1 += ph2;
     }
-    if (status == 0) status = solution_store(env, lp, 1, itcnt, ph1);
-    /* the final basis for a later warm start; without memory for it the
-     * next run starts cold */
-    if (status == 0) start_save(lp, 0);
+    if (status == 0) status = solution_store(env, lp, method, itcnt, ph1);
+    /* without memory for the basis the next run starts cold */
+    if (status == 0) start_save(lp, method == 2);
     if (status != 0) lp->stat = 0;
     run_release(lp);
     if (status != 0) env_report(env, &status);
     return status;
+}
+
+TRV_EXPORT int TRVprimopt(TRVenv env, TRVlp lp) {
+    return solve_simplex(env, lp, 1, prim_run);
 }
