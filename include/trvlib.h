@@ -784,6 +784,8 @@ TRVAPI int TRVgetpi(TRVenv env, TRVlp lp, double *pi, int begin, int end);
 TRVAPI int TRVgetslack(TRVenv env, TRVlp lp, double *slack, int begin,
                        int end);
 TRVAPI int TRVgetdj(TRVenv env, TRVlp lp, double *dj, int begin, int end);
+/* Row activities A x of rows begin..end, ranged rows without their range. */
+TRVAPI int TRVgetax(TRVenv env, TRVlp lp, double *ax, int begin, int end);
 /* Iterations of the last run, in all and in phase 1; 0 with none. */
 TRVAPI int TRVgetitcnt(TRVenv env, TRVlp lp);
 TRVAPI int TRVgetphase1cnt(TRVenv env, TRVlp lp);
