@@ -196,6 +196,25 @@ TRV_EXPORT int TRVgetitcnt(TRVenv env, TRVlp lp) { return count_query(env, lp, f
 
 TRV_EXPORT int TRVgetphase1cnt(TRVenv env, TRVlp lp) { return count_query(env, lp, true); }
 
+/* Counters of the barrier, the crossover and the sifting routes. None of
+ * them runs in this build, so after the handle checks they are 0. */
+static int unused_count(TRVenv env, TRVlp lp) {
+    if (!env_valid(env)) return 0;
+    if (!lp_valid(lp)) {
+        int status = 1009;
+        env_report(env, &status);
+    }
+    return 0;
+}
+
+TRV_EXPORT int TRVgetbaritcnt(TRVenv env, TRVlp lp) { return unused_count(env, lp); }
+TRV_EXPORT int TRVgetcrossppushcnt(TRVenv env, TRVlp lp) { return unused_count(env, lp); }
+TRV_EXPORT int TRVgetcrosspexchcnt(TRVenv env, TRVlp lp) { return unused_count(env, lp); }
+TRV_EXPORT int TRVgetcrossdpushcnt(TRVenv env, TRVlp lp) { return unused_count(env, lp); }
+TRV_EXPORT int TRVgetcrossdexchcnt(TRVenv env, TRVlp lp) { return unused_count(env, lp); }
+TRV_EXPORT int TRVgetpsbcnt(TRVenv env, TRVlp lp) { return unused_count(env, lp); }
+TRV_EXPORT int TRVgetdsbcnt(TRVenv env, TRVlp lp) { return unused_count(env, lp); }
+
 TRV_EXPORT int TRVgetmethod(TRVenv env, TRVlp lp) {
     int status = 0;
     soln_rec *sr = soln_frame(env, lp, &status);
