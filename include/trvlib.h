@@ -816,6 +816,21 @@ TRVAPI int TRVgetcrossdpushcnt(TRVenv env, TRVlp lp);
 TRVAPI int TRVgetcrossdexchcnt(TRVenv env, TRVlp lp);
 TRVAPI int TRVgetpsbcnt(TRVenv env, TRVlp lp);
 TRVAPI int TRVgetdsbcnt(TRVenv env, TRVlp lp);
+/* The basis the last run left, for columns and rows; a null array is
+ * skipped. Column status: 0 at lower bound, 1 basic, 2 at upper bound,
+ * 3 free; row status: 1 basic slack, 0 otherwise, 2 for a ranged row at
+ * the upper end of its range. 1262 when no basis is kept. */
+TRVAPI int TRVgetbase(TRVenv env, TRVlp lp, int *cstat, int *rstat);
+/* 1 when TRVgetbase has a basis to give, else 0. */
+TRVAPI int TRVcangetbase(TRVenv env, TRVlp lp);
+/* Dual steepest-edge norms of the kept basis, 1264 without them: one per
+ * basic variable, structural columns by index and then rows by index;
+ * head[k] is the column j or -i-1 for row i, *len_p their count. */
+TRVAPI int TRVgetdnorms(TRVenv env, TRVlp lp, double *norm, int *head,
+                        int *len_p);
+/* The basis as TRVgetbase and its norms in the order of TRVgetdnorms. */
+TRVAPI int TRVgetbasednorms(TRVenv env, TRVlp lp, int *cstat, int *rstat,
+                            double *dnorm);
 /* The method that produced the solution (1 primal simplex); 0 with none. */
 TRVAPI int TRVgetmethod(TRVenv env, TRVlp lp);
 
