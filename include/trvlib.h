@@ -661,14 +661,32 @@ TRVAPI int TRVgetcols(TRVenv env, TRVlp lp, int *nzcnt_p, int *cmatbeg,
 TRVAPI int TRVgetrows(TRVenv env, TRVlp lp, int *nzcnt_p, int *rmatbeg,
                       int *rmatind, double *rmatval, int rmatspace,
                       int *surplus_p, int begin, int end);
+/* Entries of free rows begin..end (0 to TRVgetnumfreerows - 1) and of the
+ * other rim vectors (from TRVgetnumfreerows to TRVgetnumrims - 1); 1218
+ * when the model has no rim vectors. */
+TRVAPI int TRVgetfreerows(TRVenv env, TRVlp lp, int *nzcnt_p, int *fmatbeg,
+                          int *fmatind, double *fmatval, int fmatspace,
+                          int *surplus_p, int begin, int end);
+TRVAPI int TRVgetrims(TRVenv env, TRVlp lp, int *nzcnt_p, int *rmatbeg,
+                      int *rmatind, double *rmatval, int rmatspace,
+                      int *surplus_p, int begin, int end);
 TRVAPI int TRVgetcolname(TRVenv env, TRVlp lp, char **name, char *namestore,
                          int storespace, int *surplus_p, int begin, int end);
 TRVAPI int TRVgetrowname(TRVenv env, TRVlp lp, char **name, char *namestore,
+                         int storespace, int *surplus_p, int begin, int end);
+TRVAPI int TRVgetrimname(TRVenv env, TRVlp lp, char **name, char *namestore,
                          int storespace, int *surplus_p, int begin, int end);
 TRVAPI int TRVgetprobname(TRVenv env, TRVlp lp, char *buf, int bufspace,
                           int *surplus_p);
 TRVAPI int TRVgetobjname(TRVenv env, TRVlp lp, char *buf, int bufspace,
                          int *surplus_p);
+/* The names of the data set and of the RHS, RANGES and BOUNDS vectors read
+ * from a file: *name_p points at the problem's own string (null when there
+ * is none) and stays valid until the problem changes. */
+TRVAPI int TRVgetdataname(TRVenv env, TRVlp lp, char **name_p);
+TRVAPI int TRVgetrhsname(TRVenv env, TRVlp lp, char **name_p);
+TRVAPI int TRVgetrngname(TRVenv env, TRVlp lp, char **name_p);
+TRVAPI int TRVgetbndname(TRVenv env, TRVlp lp, char **name_p);
 
 /* ---- model changes ----------------------------------------------------- */
 
@@ -784,9 +802,35 @@ TRVAPI int TRVgetpi(TRVenv env, TRVlp lp, double *pi, int begin, int end);
 TRVAPI int TRVgetslack(TRVenv env, TRVlp lp, double *slack, int begin,
                        int end);
 TRVAPI int TRVgetdj(TRVenv env, TRVlp lp, double *dj, int begin, int end);
+/* Row activities A x of rows begin..end, ranged rows without their range. */
+TRVAPI int TRVgetax(TRVenv env, TRVlp lp, double *ax, int begin, int end);
 /* Iterations of the last run, in all and in phase 1; 0 with none. */
 TRVAPI int TRVgetitcnt(TRVenv env, TRVlp lp);
 TRVAPI int TRVgetphase1cnt(TRVenv env, TRVlp lp);
+/* Counters of the barrier, crossover and sifting runs of the last solve;
+ * 0 where the route did not run. */
+TRVAPI int TRVgetbaritcnt(TRVenv env, TRVlp lp);
+TRVAPI int TRVgetcrossppushcnt(TRVenv env, TRVlp lp);
+TRVAPI int TRVgetcrosspexchcnt(TRVenv env, TRVlp lp);
+TRVAPI int TRVgetcrossdpushcnt(TRVenv env, TRVlp lp);
+TRVAPI int TRVgetcrossdexchcnt(TRVenv env, TRVlp lp);
+TRVAPI int TRVgetpsbcnt(TRVenv env, TRVlp lp);
+TRVAPI int TRVgetdsbcnt(TRVenv env, TRVlp lp);
+/* The basis the last run left, for columns and rows; a null array is
+ * skipped. Column status: 0 at lower bound, 1 basic, 2 at upper bound,
+ * 3 free; row status: 1 basic slack, 0 otherwise, 2 for a ranged row at
+ * the upper end of its range. 1262 when no basis is kept. */
+TRVAPI int TRVgetbase(TRVenv env, TRVlp lp, int *cstat, int *rstat);
+/* 1 when TRVgetbase has a basis to give, else 0. */
+TRVAPI int TRVcangetbase(TRVenv env, TRVlp lp);
+/* Dual steepest-edge norms of the kept basis, 1264 without them: one per
+ * basic variable, structural columns by index and then rows by index;
+ * head[k] is the column j or -i-1 for row i, *len_p their count. */
+TRVAPI int TRVgetdnorms(TRVenv env, TRVlp lp, double *norm, int *head,
+                        int *len_p);
+/* The basis as TRVgetbase and its norms in the order of TRVgetdnorms. */
+TRVAPI int TRVgetbasednorms(TRVenv env, TRVlp lp, int *cstat, int *rstat,
+                            double *dnorm);
 /* The method that produced the solution (1 primal simplex); 0 with none. */
 TRVAPI int TRVgetmethod(TRVenv env, TRVlp lp);
 

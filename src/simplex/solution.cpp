@@ -150,6 +150,36 @@ TRV_EXPORT int TRVgetdj(TRVenv env, TRVlp lp, double *dj, int begin, int end) {
     return soln_range(env, lp, "TRVgetdj", dj, begin, end, false, 3);
 }
 
+/* Row activities A x of a range of rows, from the stored x and the
+ * caller's (unscaled) matrix; the range columns of ranged rows are not
+ * part of the activity. */
+TRV_EXPORT int TRVgetax(TRVenv env, TRVlp lp, double *ax, int begin, int end) {
+    int status = 0;
+    if (!env_valid(env)) return 1002;
+    if (!lp_valid(lp)) return soln_done(env, 1009);
+    if (begin > end) return soln_done(env, 1200);
+    if (!range_check(env, "TRVgetax", begin, end, 0, lp->lpdata->nrows))
+        return soln_done(env, 1200);
+    if (ax == nullptr) return soln_done(env, 1004);
+    soln_rec *sr = soln_frame(env, lp, &status);
+    if (sr == nullptr) return soln_done(env, status);
+    const lp_data *d = lp->lpdata;
+    const double *cs = d->colscale, *rs = d->rowscale;
+    for (int i = begin; i <= end; i++) ax[i - begin] = 0.0;
+    for (int j = 0; j < d->ncols && j < sr->ncols; j++) {
+        double xj = sr->x[j];
+        if (xj == 0.0) continue;
+        for (int k = d->matbeg[j]; k < d->colend[j]; k++) {
+            int i = d->matind[k];
+            if (i < begin || i > end) continue;
+            double a = d->matval[k];
+            if (cs) a *= cs[j] * rs[i];
+            ax[i - begin] += a * xj;
+        }
+    }
+    return 0;
+}
+
 /* Counts of the last run; 0 with no solution or a bad handle. */
 static int count_query(TRVenv env, TRVlp lp, bool phase1) {
     if (!env_valid(env)) return 0;
@@ -165,6 +195,25 @@ static int count_query(TRVenv env, TRVlp lp, bool phase1) {
 TRV_EXPORT int TRVgetitcnt(TRVenv env, TRVlp lp) { return count_query(env, lp, false); }
 
 TRV_EXPORT int TRVgetphase1cnt(TRVenv env, TRVlp lp) { return count_query(env, lp, true); }
+
+/* Counters of the barrier, the crossover and the sifting routes. None of
+ * them runs in this build, so after the handle checks they are 0. */
+static int unused_count(TRVenv env, TRVlp lp) {
+    if (!env_valid(env)) return 0;
+    if (!lp_valid(lp)) {
+        int status = 1009;
+        env_report(env, &status);
+    }
+    return 0;
+}
+
+TRV_EXPORT int TRVgetbaritcnt(TRVenv env, TRVlp lp) { return unused_count(env, lp); }
+TRV_EXPORT int TRVgetcrossppushcnt(TRVenv env, TRVlp lp) { return unused_count(env, lp); }
+TRV_EXPORT int TRVgetcrosspexchcnt(TRVenv env, TRVlp lp) { return unused_count(env, lp); }
+TRV_EXPORT int TRVgetcrossdpushcnt(TRVenv env, TRVlp lp) { return unused_count(env, lp); }
+TRV_EXPORT int TRVgetcrossdexchcnt(TRVenv env, TRVlp lp) { return unused_count(env, lp); }
+TRV_EXPORT int TRVgetpsbcnt(TRVenv env, TRVlp lp) { return unused_count(env, lp); }
+TRV_EXPORT int TRVgetdsbcnt(TRVenv env, TRVlp lp) { return unused_count(env, lp); }
 
 TRV_EXPORT int TRVgetmethod(TRVenv env, TRVlp lp) {
     int status = 0;

@@ -342,6 +342,61 @@ TRV_EXPORT int TRVgetrows(TRVenv env, TRVlp lp, int *nzcnt_p, int *rmatbeg,
     return range_done(env, space_result(rmatspace, total, nzcnt_p, surplus_p));
 }
 
+/* Free rows (rims from 0 to nfreerows - 1) keep their entries in the top
+ * block of matind and matval; the other rims in rimind and rimval. Both
+ * are stored unscaled, by column. */
+static int rim_matrix(TRVenv env, TRVlp lp, const char *fname, bool freerows,
+                      int *nzcnt_p, int *beg, int *ind, double *val, int space,
+                      int *surplus_p, int begin, int end) {
+    if (nzcnt_p) *nzcnt_p = 0;
+    if (surplus_p) *surplus_p = 0;
+    if (!env_valid(env)) return 1002;
+    int st = lp_resolve(&lp) ? lp_flush(env, lp, 1) : 1009;
+    if (st != 0) return range_done(env, st);
+    const lp_data *d = lp->lpdata;
+    if (d->rimbeg == nullptr || d->rimcnt == nullptr || d->nfreerows == 0)
+        return range_done(env, 1218);
+    if (begin > end) return 0;
+    int low = freerows ? 0 : d->nfreerows, count = freerows ? d->nfreerows : d->nrims;
+    if (!range_check(env, fname, begin, end, low, count)) return range_done(env, 1200);
+    const int *src_ind = freerows ? d->matind : d->rimind;
+    const double *src_val = freerows ? d->matval : d->rimval;
+    if (!freerows && (src_ind == nullptr || src_val == nullptr)) return range_done(env, 1218);
+    long total = 0;
+    for (int k = begin; k <= end; k++) total += d->rimcnt[k];
+    if (space == 0 && surplus_p != nullptr) {
+        *surplus_p = static_cast<int>(-total);
+        if (beg)
+            for (int k = begin; k <= end; k++) beg[k - begin] = 0;
+        return total > 0 ? 1207 : 0;
+    }
+    if (!nzcnt_p || !beg || !ind || !val || !surplus_p) return range_done(env, 1004);
+    long n = 0;
+    for (int k = begin; k <= end; k++) {
+        beg[k - begin] = static_cast<int>(n);
+        for (int q = d->rimbeg[k]; q < d->rimbeg[k] + d->rimcnt[k]; q++, n++) {
+            if (n >= space) continue;
+            ind[n] = src_ind[q];
+            val[n] = src_val[q];
+        }
+    }
+    return range_done(env, space_result(space, total, nzcnt_p, surplus_p));
+}
+
+TRV_EXPORT int TRVgetfreerows(TRVenv env, TRVlp lp, int *nzcnt_p, int *fmatbeg,
+                              int *fmatind, double *fmatval, int fmatspace,
+                              int *surplus_p, int begin, int end) {
+    return rim_matrix(env, lp, "TRVgetfreerows", true, nzcnt_p, fmatbeg, fmatind,
+                      fmatval, fmatspace, surplus_p, begin, end);
+}
+
+TRV_EXPORT int TRVgetrims(TRVenv env, TRVlp lp, int *nzcnt_p, int *rmatbeg,
+                          int *rmatind, double *rmatval, int rmatspace,
+                          int *surplus_p, int begin, int end) {
+    return rim_matrix(env, lp, "TRVgetrims", false, nzcnt_p, rmatbeg, rmatind,
+                      rmatval, rmatspace, surplus_p, begin, end);
+}
+
 /* ---- names ---------------------------------------------------------------- */
 
 static int names_out(TRVenv env, char **names, const char *fname, int count,
@@ -396,6 +451,18 @@ TRV_EXPORT int TRVgetrowname(TRVenv env, TRVlp lp, char **name, char *namestore,
     return range_done(env, st);
 }
 
+TRV_EXPORT int TRVgetrimname(TRVenv env, TRVlp lp, char **name, char *namestore,
+                             int storespace, int *surplus_p, int begin, int end) {
+    if (!env_valid(env)) return 1002;
+    int st = lp_resolve(&lp) ? lp_flush(env, lp, 1) : 1009;
+    if (st == 0) {
+        lp_data *d = lp->lpdata;
+        st = names_out(env, d->rimname, "TRVgetrimname", d->nrims, name, namestore,
+                       storespace, surplus_p, begin, end);
+    }
+    return range_done(env, st);
+}
+
 /* One string into a caller's buffer, with the space convention. */
 static int string_out(const char *s, char *buf, int bufspace, int *surplus_p) {
     long need = static_cast<long>(std::strlen(s)) + 1;
@@ -427,4 +494,38 @@ TRV_EXPORT int TRVgetobjname(TRVenv env, TRVlp lp, char *buf, int bufspace,
         st = s == nullptr ? 1220 : string_out(s, buf, bufspace, surplus_p);
     }
     return range_done(env, st);
+}
+
+/* The names of the data set and of the chosen RHS, RANGES and BOUNDS
+ * vectors, as kept from a file: the pointer to the internal string, which
+ * is null when there is none. */
+static int name_pointer(TRVenv env, TRVlp lp, char **name_p, int which) {
+    if (!env_valid(env)) return 1002;
+    int st = 0;
+    if (!lp_resolve(&lp)) {
+        st = 1009;
+    } else if (name_p == nullptr) {
+        st = 1004;
+    } else {
+        const lp_data *d = lp->lpdata;
+        *name_p = which == 0 ? d->dataname : which == 1 ? d->rhsname
+                : which == 2 ? d->rngname : d->bndname;
+    }
+    return range_done(env, st);
+}
+
+TRV_EXPORT int TRVgetdataname(TRVenv env, TRVlp lp, char **name_p) {
+    return name_pointer(env, lp, name_p, 0);
+}
+
+TRV_EXPORT int TRVgetrhsname(TRVenv env, TRVlp lp, char **name_p) {
+    return name_pointer(env, lp, name_p, 1);
+}
+
+TRV_EXPORT int TRVgetrngname(TRVenv env, TRVlp lp, char **name_p) {
+    return name_pointer(env, lp, name_p, 2);
+}
+
+TRV_EXPORT int TRVgetbndname(TRVenv env, TRVlp lp, char **name_p) {
+    return name_pointer(env, lp, name_p, 3);
 }
