@@ -391,7 +391,7 @@ int dual_refactor(TRVenv env, TRVlp lp) {
     int st = lu_refactor(env, lp, &it->markowitz, it->pivot_tol, 1, 0);
     if (st != 0 && st != RC_REPAIRED) return st;
     ds->updates = 0;
-    ds->refactored = 1;
+    ds->log.refactored = 1;
     dual_row_partition(lp);
     if (ds->n_banned > 0) {
         for (int i = 0; i < lp->solver->splp.m; i++)
@@ -475,57 +475,16 @@ void dual_pivot_row(TRVlp lp, int p) {
 
 /* ---- the iteration log ---------------------------------------------------- */
 
-static void log_header(TRVenv env, dual_state *ds) {
-    if (ds->header_done) return;
-    TRVmsg(env->reschannel, "\nIteration log . . .\n");
-    ds->header_done = 1;
-}
-
-/* The summary line; at display level 1 only after a factorization or a
- * change of phase unless forced. */
+/* Phase 1 reports the sum of dual infeasibilities, minus the objective
+ * of the auxiliary box. */
 void dual_log(TRVenv env, TRVlp lp, int force) {
     dual_state *ds = lp->dual;
-    if (ds->display < 1) return;
-    if (!force && !ds->refactored && ds->phase == ds->last_phase_logged) return;
-    log_header(env, ds);
-    int n_it = lp->solver->it.n_it;
-    if (ds->phase == 1)
-        TRVmsg(env->reschannel, ds->scaled ? "Iteration: %5d    Scaled infeas = %20.6f\n"
-                                           : "Iteration: %5d    Infeasibility = %20.6f\n",
-               n_it, -ds->objective);
-    else
-        TRVmsg(env->reschannel, "Iteration: %5d    Objective     = %20.6f\n", n_it,
-               lp->solver->splp.sense * ds->objective);
-    ds->refactored = 0;
-    ds->last_phase_logged = ds->phase;
+    iter_log_line(env, &ds->log, ds->phase, lp->solver->it.n_it, -ds->objective,
+                  lp->solver->splp.sense * ds->objective, force);
 }
 
 void dual_log_detail(TRVenv env, TRVlp lp) {
     dual_state *ds = lp->dual;
-    log_header(env, ds);
-    if (!ds->detail_head_done) {
-        TRVmsg(env->reschannel, "       In Variable           Out Variable\n");
-        ds->detail_head_done = 1;
-    }
-    char tag[32], val[40], in[300], out[300];
-    int n_it = lp->solver->it.n_it;
-    if (ds->phase == 1)
-        std::snprintf(tag, sizeof tag, ds->perturb.active ? "%6d sI" : "%6d  I", n_it);
-    else
-        std::snprintf(tag, sizeof tag, "%6d   ", n_it);
-    double z = ds->phase == 1 ? -ds->objective : lp->solver->splp.sense * ds->objective;
-    std::snprintf(val, sizeof val, std::fabs(z) > 1e11 ? "%20.6e" : "%20.6f", z);
-    if (ds->entered >= 0)
-        primal_varlabel(env, lp, ds->entered, in, sizeof in);
-    else
-        in[0] = '\0';
-    if (ds->left >= 0)
-        primal_varlabel(env, lp, ds->left, out, sizeof out);
-    else if (ds->left_status == 2)
-        std::snprintf(out, sizeof out, "    goes to upper bound");
-    else if (ds->left_status == 0)
-        std::snprintf(out, sizeof out, "    goes to lower bound");
-    else
-        std::snprintf(out, sizeof out, "      leaves superbasis");
-    TRVmsg(env->reschannel, "%s%s  %-20s  %s\n", tag, val, in, out);
+    iter_log_detail(env, lp, &ds->log, ds->phase, ds->perturb.active, lp->solver->it.n_it,
+                    -ds->objective, lp->solver->splp.sense * ds->objective);
 }

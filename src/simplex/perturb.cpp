@@ -31,16 +31,19 @@ double tol_reduce(double t) {
 
 /* Size rule: the first start takes the size as it stands, later ones a
  * tenth of it, never below 1e-6; the Harris relaxation stays well below. */
-static void perturb_size(primal_state *ps) {
-    perturb_rec *pr = &ps->perturb;
+void perturb_next_size(perturb_rec *pr, double *harris_delta, double *harris_base) {
     if (pr->count > 0) {
         pr->size *= 0.1;
         if (pr->size < 1e-6) pr->size = 1e-6;
     }
-    if (100.0 * ps->harris_delta >= pr->size) {
-        ps->harris_delta = 0.01 * pr->size;
-        ps->harris_base = 0.01 * pr->size;
+    if (100.0 * *harris_delta >= pr->size) {
+        *harris_delta = 0.01 * pr->size;
+        *harris_base = 0.01 * pr->size;
     }
+}
+
+static void perturb_size(primal_state *ps) {
+    perturb_next_size(&ps->perturb, &ps->harris_delta, &ps->harris_base);
 }
 
 void primal_perturb(TRVenv env, TRVlp lp) {
@@ -64,7 +67,7 @@ void primal_perturb(TRVenv env, TRVlp lp) {
             rhs_moved = true;
         }
     }
-    if (ps->display > 0)
+    if (ps->log.display > 0)
         TRVmsg(env->reschannel, ps->perturb.count == 0 ? "Perturbation started.\n"
                                                        : "Reperturbation started.\n");
     ps->perturb.active = 1;
@@ -115,7 +118,7 @@ int primal_remove(TRVenv env, TRVlp lp) {
     primal_state *ps = lp->primal;
     perturb_rec *pr = &ps->perturb;
     if (!pr->active && pr->shift_count == 0) return 0;
-    if (ps->display > 0) {
+    if (ps->log.display > 0) {
         if (pr->active) TRVmsg(env->reschannel, "Removing perturbation.\n");
         else TRVmsg(env->reschannel, "Removing shift (%d).\n", pr->shift_count);
     }
