@@ -209,27 +209,16 @@ static void aux_bounds(TRVlp lp) {
 
 /* Nonbasic values from their status, basic values by a dense solve. */
 void dual_compute_x(TRVlp lp) {
-    const simplex_lp *s = &lp->solver->splp;
     simplex_iter *it = &lp->solver->it;
     dual_state *ds = lp->dual;
-    int m = s->m, nc = s->ncoltot;
-    double *w = ds->work;
-    for (int i = 0; i < m; i++) w[i] = ds->rhs[i];
-    for (int j = 0; j < nc; j++) {
+    for (int j = 0; j < lp->solver->splp.ncoltot; j++) {
         int st = it->status[j];
         if (st == 1) continue;
         if (st == 0) it->x[j] = ds->lower[j];
         else if (st == 2) it->x[j] = ds->upper[j];
         else if (ds->lo_on[j] && ds->up_on[j]) it->x[j] = 0.0;
-        double v = it->x[j];
-        if (v == 0.0) continue;
-        for (int k = s->col_beg[j]; k < s->col_end[j]; k++) w[s->row_idx[k]] -= s->val[k] * v;
     }
-    lu_ftran_dense(lp->factor, w);
-    for (int i = 0; i < m; i++) {
-        it->x[it->head[i]] = w[i];
-        w[i] = 0.0;
-    }
+    basic_values(lp, ds->rhs, ds->work);
 }
 
 /* Duals from the basic costs, reduced costs of the nonbasic variables. */
@@ -259,12 +248,7 @@ void dual_compute_d(TRVlp lp) {
 }
 
 double dual_objective(TRVlp lp) {
-    const simplex_lp *s = &lp->solver->splp;
-    const simplex_iter *it = &lp->solver->it;
-    const dual_state *ds = lp->dual;
-    double z = 0.0;
-    for (int j = 0; j < s->ntotal; j++) z += ds->cost[j] * it->x[j];
-    return z;
+    return working_objective(lp, lp->dual->cost);
 }
 
 /* Sum and count of the violations of the working bounds by basic values. */

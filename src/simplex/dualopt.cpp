@@ -12,14 +12,6 @@
 #include "frame/callback.h"
 #include "simplex/dual.h"
 
-static int candidates_for(int n) {
-    static const int lim[] = {100, 500, 1000, 5000, 10000, 100000};
-    static const int val[] = {5, 10, 15, 20, 25, 30};
-    for (int k = 0; k < 6; k++)
-        if (n < lim[k]) return val[k];
-    return 35;
-}
-
 static void load_run_parameters(TRVenv env, TRVlp lp) {
     const simplex_lp *s = &lp->solver->splp;
     dual_state *ds = lp->dual;

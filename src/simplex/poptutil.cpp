@@ -120,19 +120,15 @@ int primal_state_alloc(TRVenv env, TRVlp lp) {
 
 /* ---- recomputation ----------------------------------------------------- */
 
-/* Nonbasic values from their status, basic values by a dense solve. */
-void primal_compute_x(TRVlp lp) {
+/* Basic values by a dense solve of rhs less the nonbasic columns at their
+ * values; w is m of scratch, zero again on return. */
+void basic_values(TRVlp lp, const double *rhs, double *w) {
     const simplex_lp *s = &lp->solver->splp;
     simplex_iter *it = &lp->solver->it;
-    primal_state *ps = lp->primal;
     int m = s->m, nc = s->ncoltot;
-    double *w = ps->work;
-    for (int i = 0; i < m; i++) w[i] = ps->rhs[i];
+    for (int i = 0; i < m; i++) w[i] = rhs[i];
     for (int j = 0; j < nc; j++) {
-        int st = it->status[j];
-        if (st == 1) continue;
-        if (st == 0) it->x[j] = ps->lower[j];
-        else if (st == 2) it->x[j] = ps->upper[j];
+        if (it->status[j] == 1) continue;
         double v = it->x[j];
         if (v == 0.0) continue;
         for (int k = s->col_beg[j]; k < s->col_end[j]; k++) w[s->row_idx[k]] -= s->val[k] * v;
@@ -142,6 +138,27 @@ void primal_compute_x(TRVlp lp) {
         it->x[it->head[i]] = w[i];
         w[i] = 0.0;
     }
+}
+
+/* sense * c x over the columns 0..ntotal-1 for the working costs. */
+double working_objective(TRVlp lp, const double *cost) {
+    const simplex_lp *s = &lp->solver->splp;
+    const simplex_iter *it = &lp->solver->it;
+    double z = 0.0;
+    for (int j = 0; j < s->ntotal; j++) z += cost[j] * it->x[j];
+    return z;
+}
+
+/* Nonbasic values from their status, basic values by a dense solve. */
+void primal_compute_x(TRVlp lp) {
+    simplex_iter *it = &lp->solver->it;
+    primal_state *ps = lp->primal;
+    for (int j = 0; j < lp->solver->splp.ncoltot; j++) {
+        int st = it->status[j];
+        if (st == 0) it->x[j] = ps->lower[j];
+        else if (st == 2) it->x[j] = ps->upper[j];
+    }
+    basic_values(lp, ps->rhs, ps->work);
 }
 
 void primal_compute_y(TRVlp lp) {
@@ -214,12 +231,7 @@ int primal_set_phase(TRVlp lp) {
 }
 
 double primal_objective(TRVlp lp) {
-    const simplex_lp *s = &lp->solver->splp;
-    const simplex_iter *it = &lp->solver->it;
-    const primal_state *ps = lp->primal;
-    double z = 0.0;
-    for (int j = 0; j < s->ntotal; j++) z += ps->cost[j] * it->x[j];
-    return z;
+    return working_objective(lp, lp->primal->cost);
 }
 
 /* Largest violation of a working bound by a basic variable. */

@@ -174,6 +174,10 @@ void iter_log_line(TRVenv env, iter_log *lg, int phase, int n_it, double infeas,
 void iter_log_detail(TRVenv env, TRVlp lp, iter_log *lg, int phase, int perturbed, int n_it,
                      double infeas, double objective);
 void iter_log_elapsed(TRVenv env, iter_log *lg, int n_it, double start_time);
+/* Basic values from rhs and the nonbasic values; w: m of zero scratch. */
+void basic_values(TRVlp lp, const double *rhs, double *w);
+double working_objective(TRVlp lp, const double *cost);
+int candidates_for(int size);
 /* Column q of the matrix into col, its solve into alpha. */
 void column_solve(TRVlp lp, int q, sparse_vec *col, sparse_vec *alpha);
 /* The size rule of a new start of the perturbation. */

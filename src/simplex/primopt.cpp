@@ -11,11 +11,12 @@
 #include "frame/callback.h"
 #include "simplex/dual.h"
 
-static int candidates_for(int m) {
+/* How many candidates a pivot round may try, by the size of the model. */
+int candidates_for(int size) {
     static const int lim[] = {100, 500, 1000, 5000, 10000, 100000};
     static const int val[] = {5, 10, 15, 20, 25, 30};
     for (int k = 0; k < 6; k++)
-        if (m < lim[k]) return val[k];
+        if (size < lim[k]) return val[k];
     return 35;
 }
 
