@@ -223,28 +223,12 @@ void dual_compute_x(TRVlp lp) {
 
 /* Duals from the basic costs, reduced costs of the nonbasic variables. */
 void dual_compute_d(TRVlp lp) {
-    const simplex_lp *s = &lp->solver->splp;
-    simplex_iter *it = &lp->solver->it;
+    const simplex_iter *it = &lp->solver->it;
     dual_state *ds = lp->dual;
-    int m = s->m;
     double *w = ds->work;
-    for (int i = 0; i < m; i++) w[i] = ds->cost[it->head[i]];
-    lu_btran_dense(lp->factor, w, ds->work2);
-    for (int i = 0; i < m; i++) {
-        it->y[i] = w[i];
-        w[i] = 0.0;
-        ds->work2[i] = 0.0;
-    }
-    const double *y = it->y;
-    for (int j = 0; j < s->ncoltot; j++) {
-        if (it->status[j] == 1) {
-            it->d[j] = 0.0;
-            continue;
-        }
-        double dj = ds->cost[j];
-        for (int k = s->col_beg[j]; k < s->col_end[j]; k++) dj -= y[s->row_idx[k]] * s->val[k];
-        it->d[j] = dj;
-    }
+    for (int i = 0; i < lp->solver->splp.m; i++) w[i] = ds->cost[it->head[i]];
+    duals_from_costs(lp, w, ds->work2);
+    reduced_costs(lp, ds->cost);
 }
 
 double dual_objective(TRVlp lp) {

@@ -161,37 +161,47 @@ void primal_compute_x(TRVlp lp) {
     basic_values(lp, ps->rhs, ps->work);
 }
 
-void primal_compute_y(TRVlp lp) {
-    const simplex_lp *s = &lp->solver->splp;
+/* The duals from the basic costs in w by a dense solve with work2 as
+ * scratch; both are zero again on return. */
+void duals_from_costs(TRVlp lp, double *w, double *work2) {
     simplex_iter *it = &lp->solver->it;
-    primal_state *ps = lp->primal;
-    int m = s->m;
-    double *w = ps->work;
-    for (int i = 0; i < m; i++) w[i] = ps->phase == 1 ? ps->c1[i] : ps->cost[it->head[i]];
-    lu_btran_dense(lp->factor, w, ps->work2);
+    int m = lp->solver->splp.m;
+    lu_btran_dense(lp->factor, w, work2);
     for (int i = 0; i < m; i++) {
         it->y[i] = w[i];
         w[i] = 0.0;
+        work2[i] = 0.0;
     }
-    for (int i = 0; i < m; i++) ps->work2[i] = 0.0;
+}
+
+/* The reduced costs of all nonbasic variables from the current duals, 0
+ * for the basic ones; no cost array means zero costs. */
+void reduced_costs(TRVlp lp, const double *cost) {
+    const simplex_lp *s = &lp->solver->splp;
+    simplex_iter *it = &lp->solver->it;
+    for (int j = 0; j < s->ncoltot; j++)
+        it->d[j] = it->status[j] == 1 ? 0.0 : column_dj(s, it->y, cost ? cost[j] : 0.0, j);
+}
+
+void primal_compute_y(TRVlp lp) {
+    const simplex_iter *it = &lp->solver->it;
+    primal_state *ps = lp->primal;
+    double *w = ps->work;
+    for (int i = 0; i < lp->solver->splp.m; i++)
+        w[i] = ps->phase == 1 ? ps->c1[i] : ps->cost[it->head[i]];
+    duals_from_costs(lp, w, ps->work2);
 }
 
 /* The reduced cost of j from the current duals. */
 double primal_dj(TRVlp lp, int j) {
-    const simplex_lp *s = &lp->solver->splp;
-    const simplex_iter *it = &lp->solver->it;
     const primal_state *ps = lp->primal;
-    double dj = ps->phase == 1 ? 0.0 : ps->cost[j];
-    for (int k = s->col_beg[j]; k < s->col_end[j]; k++) dj -= it->y[s->row_idx[k]] * s->val[k];
-    return dj;
+    return column_dj(&lp->solver->splp, lp->solver->it.y, ps->phase == 1 ? 0.0 : ps->cost[j], j);
 }
 
 void primal_compute_d(TRVlp lp) {
-    const simplex_lp *s = &lp->solver->splp;
-    simplex_iter *it = &lp->solver->it;
-    for (int j = 0; j < s->ncoltot; j++)
-        it->d[j] = it->status[j] == 1 ? 0.0 : primal_dj(lp, j);
-    lp->primal->d_valid = 1;
+    primal_state *ps = lp->primal;
+    reduced_costs(lp, ps->phase == 1 ? nullptr : ps->cost);
+    ps->d_valid = 1;
 }
 
 /* Phase 1 costs of the basic variables: -1 below the lower bound, +1 above

@@ -178,6 +178,13 @@ void iter_log_elapsed(TRVenv env, iter_log *lg, int n_it, double start_time);
 void basic_values(TRVlp lp, const double *rhs, double *w);
 double working_objective(TRVlp lp, const double *cost);
 int candidates_for(int size);
+void duals_from_costs(TRVlp lp, double *w, double *work2);
+void reduced_costs(TRVlp lp, const double *cost);
+/* c less the duals y times column j. */
+inline double column_dj(const simplex_lp *s, const double *y, double c, int j) {
+    for (int k = s->col_beg[j]; k < s->col_end[j]; k++) c -= y[s->row_idx[k]] * s->val[k];
+    return c;
+}
 /* Column q of the matrix into col, its solve into alpha. */
 void column_solve(TRVlp lp, int q, sparse_vec *col, sparse_vec *alpha);
 /* The size rule of a new start of the perturbation. */
