@@ -94,19 +94,8 @@ int dual_remove(TRVenv env, TRVlp lp) {
     const simplex_lp *s = &lp->solver->splp;
     dual_state *ds = lp->dual;
     dual_perturb_rec *pr = &ds->perturb;
-    if (!pr->active && pr->shift_count == 0) return 0;
-    if (ds->log.display > 0) {
-        if (pr->active) TRVmsg(env->reschannel, "Removing perturbation.\n");
-        else TRVmsg(env->reschannel, "Removing shift (%d).\n", pr->shift_count);
-    }
-    if (!pr->active) {
-        ds->harris_base = tol_reduce(ds->harris_base);
-        ds->harris_delta = ds->harris_base;
-    }
+    if (!perturb_end(env, &ds->log, pr, &ds->harris_base, &ds->harris_delta)) return 0;
     for (int j = 0; j < s->ncoltot; j++) ds->cost[j] = j < s->ntotal ? s->sense * s->cost[j] : 0.0;
-    pr->active = 0;
-    pr->shift_limit = PR_NOLIMIT;
-    pr->shift_count = 0;
     dual_compute_d(lp);
     return 1;
 }

@@ -110,6 +110,26 @@ int extend_shifts(TRVlp lp) {
     return n;
 }
 
+/* The common part of the removal of a perturbation or of shifts: returns
+ * 0 when neither is in force, else announces it, lowers the Harris
+ * tolerance after shifts alone, and clears the record. */
+int perturb_end(TRVenv env, const iter_log *lg, perturb_rec *pr, double *harris_base,
+                double *harris_delta) {
+    if (!pr->active && pr->shift_count == 0) return 0;
+    if (lg->display > 0) {
+        if (pr->active) TRVmsg(env->reschannel, "Removing perturbation.\n");
+        else TRVmsg(env->reschannel, "Removing shift (%d).\n", pr->shift_count);
+    }
+    if (!pr->active) {
+        *harris_base = tol_reduce(*harris_base);
+        *harris_delta = *harris_base;
+    }
+    pr->active = 0;
+    pr->shift_limit = PR_NOLIMIT;
+    pr->shift_count = 0;
+    return 1;
+}
+
 /* Back to the true bounds, costs and right-hand side. Returns 1 when a
  * perturbation or shifts were in force (the values are then recomputed). */
 int primal_remove(TRVenv env, TRVlp lp) {
@@ -117,15 +137,7 @@ int primal_remove(TRVenv env, TRVlp lp) {
     simplex_iter *it = &lp->solver->it;
     primal_state *ps = lp->primal;
     perturb_rec *pr = &ps->perturb;
-    if (!pr->active && pr->shift_count == 0) return 0;
-    if (ps->log.display > 0) {
-        if (pr->active) TRVmsg(env->reschannel, "Removing perturbation.\n");
-        else TRVmsg(env->reschannel, "Removing shift (%d).\n", pr->shift_count);
-    }
-    if (!pr->active) {
-        ps->harris_base = tol_reduce(ps->harris_base);
-        ps->harris_delta = ps->harris_base;
-    }
+    if (!perturb_end(env, &ps->log, pr, &ps->harris_base, &ps->harris_delta)) return 0;
     for (int j = 0; j < s->ncoltot; j++) {
         ps->lower[j] = s->lower[j];
         ps->upper[j] = s->upper[j];
@@ -138,9 +150,6 @@ int primal_remove(TRVenv env, TRVlp lp) {
     }
     const lp_data *d = lp->lpdata;
     for (int i = 0; i < s->m; i++) ps->rhs[i] = d->rhs[i];
-    pr->active = 0;
-    pr->shift_limit = PR_NOLIMIT;
-    pr->shift_count = 0;
     ps->ban_epoch = PR_NOLIMIT;
     primal_compute_x(lp);
     primal_set_phase(lp);
