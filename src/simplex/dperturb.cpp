@@ -66,12 +66,7 @@ void dual_perturb(TRVenv env, TRVlp lp) {
         ds->cost[j] += amt;
         it->d[j] += amt;
     }
-    if (ds->log.display > 0)
-        TRVmsg(env->reschannel, ds->perturb.count == 0 ? "Perturbation started.\n"
-                                                       : "Reperturbation started.\n");
-    ds->perturb.active = 1;
-    ds->perturb.count++;
-    ds->perturb.shift_limit = PR_NOLIMIT;
+    perturb_begin(env, &ds->log, &ds->perturb);
     ds->objective = dual_objective(lp);
 }
 

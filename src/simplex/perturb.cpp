@@ -67,12 +67,7 @@ void primal_perturb(TRVenv env, TRVlp lp) {
             rhs_moved = true;
         }
     }
-    if (ps->log.display > 0)
-        TRVmsg(env->reschannel, ps->perturb.count == 0 ? "Perturbation started.\n"
-                                                       : "Reperturbation started.\n");
-    ps->perturb.active = 1;
-    ps->perturb.count++;
-    ps->perturb.shift_limit = PR_NOLIMIT;
+    perturb_begin(env, &ps->log, &ps->perturb);
     if (rhs_moved) primal_compute_x(lp);
     primal_set_phase(lp);
     primal_compute_y(lp);
@@ -108,6 +103,16 @@ int extend_shifts(TRVlp lp) {
         else if (s->has_upper[j] && x > ps->upper[j] + ps->feas_tol) n += primal_shift_bound(lp, i, 2, x);
     }
     return n;
+}
+
+/* Announces a new start of the perturbation and marks it in force. */
+void perturb_begin(TRVenv env, const iter_log *lg, perturb_rec *pr) {
+    if (lg->display > 0)
+        TRVmsg(env->reschannel, pr->count == 0 ? "Perturbation started.\n"
+                                               : "Reperturbation started.\n");
+    pr->active = 1;
+    pr->count++;
+    pr->shift_limit = PR_NOLIMIT;
 }
 
 /* The common part of the removal of a perturbation or of shifts: returns

@@ -189,6 +189,7 @@ inline double column_dj(const simplex_lp *s, const double *y, double c, int j) {
 void column_solve(TRVlp lp, int q, sparse_vec *col, sparse_vec *alpha);
 /* The size rule of a new start of the perturbation. */
 void perturb_next_size(perturb_rec *pr, double *harris_delta, double *harris_base);
+void perturb_begin(TRVenv env, const iter_log *lg, perturb_rec *pr);
 /* The common start of the removal of a perturbation or of shifts; 0 when
  * neither is in force. */
 int perturb_end(TRVenv env, const iter_log *lg, perturb_rec *pr, double *harris_base,
