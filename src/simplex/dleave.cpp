@@ -47,7 +47,7 @@ static int price_with_ladder(TRVenv env, TRVlp lp, int *p_out) {
         dual_norms_reset(lp);
         ds->norms_ready = 1;
         dual_progress_reset(lp);
-        if (ds->display > 0 && lp->solver->it.n_it > 0)
+        if (ds->log.display > 0 && lp->solver->it.n_it > 0)
             TRVmsg(env->reschannel, "Switched to steepest-edge.\n");
         *p_out = dual_price_select(lp, ds->feas_tol);
         if (*p_out >= 0) return 0;
@@ -58,18 +58,7 @@ static int price_with_ladder(TRVenv env, TRVlp lp, int *p_out) {
 
 /* The entering column through the factorization into ds->alpha. */
 static void entering_column(TRVlp lp, int q) {
-    const simplex_lp *s = &lp->solver->splp;
-    dual_state *ds = lp->dual;
-    sparse_vec *c = &ds->col;
-    sv_clear(c);
-    c->nz = 0;
-    for (int k = s->col_beg[q]; k < s->col_end[q]; k++) {
-        c->val[s->row_idx[k]] = s->val[k];
-        c->idx[c->nz++] = s->row_idx[k];
-    }
-    sv_clear(&ds->alpha);
-    lu_ftran(lp->factor, &ds->alpha, c);
-    if (ds->alpha.nz < 0) sv_from_dense(&ds->alpha);
+    column_solve(lp, q, &lp->dual->col, &lp->dual->alpha);
 }
 
 /* The flips of the ratio test: the variables go to their other bound and
@@ -119,7 +108,7 @@ static double do_flips(TRVlp lp) {
 static void after_refactor(TRVlp lp) {
     dual_state *ds = lp->dual;
     ds->updates = 0;
-    ds->refactored = 1;
+    ds->log.refactored = 1;
     dual_compute_d(lp);
     if (ds->phase == 2 && dual_count_dinf(lp, ds->dual_tol, nullptr) > 0) {
         dual_set_phase(lp);
@@ -176,7 +165,7 @@ static int dual_try(TRVenv env, TRVlp lp, int p, int forced) {
         if (ds->updates > 0) return refactor_retry(env, lp);
         if (ds->phase == 1 || !row_proves_infeasibility(lp, dir, slope)) return RC_RETRY;
         ds->status = LPS_INFEASIBLE;
-        ds->left = r_var;
+        ds->log.left = r_var;
         return 0;
     }
     if (r == RC_RETRY && !(forced && ds->rw_enter >= 0)) return RC_RETRY;
@@ -257,9 +246,9 @@ static int dual_try(TRVenv env, TRVlp lp, int p, int forced) {
     it->status[r_var] = static_cast<signed char>(dir > 0 ? 2 : 0);
     it->status[q] = 1;
     dual_row_swap(lp, q, r_var);
-    ds->entered = q;
-    ds->left = r_var;
-    ds->left_status = it->status[r_var];
+    ds->log.entered = q;
+    ds->log.left = r_var;
+    ds->log.left_status = it->status[r_var];
     int st = lu_update(env, lp);
     ds->updates++;
     if (st != 0 && st != RC_REPAIRED) return st;

@@ -209,62 +209,30 @@ static void aux_bounds(TRVlp lp) {
 
 /* Nonbasic values from their status, basic values by a dense solve. */
 void dual_compute_x(TRVlp lp) {
-    const simplex_lp *s = &lp->solver->splp;
     simplex_iter *it = &lp->solver->it;
     dual_state *ds = lp->dual;
-    int m = s->m, nc = s->ncoltot;
-    double *w = ds->work;
-    for (int i = 0; i < m; i++) w[i] = ds->rhs[i];
-    for (int j = 0; j < nc; j++) {
+    for (int j = 0; j < lp->solver->splp.ncoltot; j++) {
         int st = it->status[j];
         if (st == 1) continue;
         if (st == 0) it->x[j] = ds->lower[j];
         else if (st == 2) it->x[j] = ds->upper[j];
         else if (ds->lo_on[j] && ds->up_on[j]) it->x[j] = 0.0;
-        double v = it->x[j];
-        if (v == 0.0) continue;
-        for (int k = s->col_beg[j]; k < s->col_end[j]; k++) w[s->row_idx[k]] -= s->val[k] * v;
     }
-    lu_ftran_dense(lp->factor, w);
-    for (int i = 0; i < m; i++) {
-        it->x[it->head[i]] = w[i];
-        w[i] = 0.0;
-    }
+    basic_values(lp, ds->rhs, ds->work);
 }
 
 /* Duals from the basic costs, reduced costs of the nonbasic variables. */
 void dual_compute_d(TRVlp lp) {
-    const simplex_lp *s = &lp->solver->splp;
-    simplex_iter *it = &lp->solver->it;
+    const simplex_iter *it = &lp->solver->it;
     dual_state *ds = lp->dual;
-    int m = s->m;
     double *w = ds->work;
-    for (int i = 0; i < m; i++) w[i] = ds->cost[it->head[i]];
-    lu_btran_dense(lp->factor, w, ds->work2);
-    for (int i = 0; i < m; i++) {
-        it->y[i] = w[i];
-        w[i] = 0.0;
-        ds->work2[i] = 0.0;
-    }
-    const double *y = it->y;
-    for (int j = 0; j < s->ncoltot; j++) {
-        if (it->status[j] == 1) {
-            it->d[j] = 0.0;
-            continue;
-        }
-        double dj = ds->cost[j];
-        for (int k = s->col_beg[j]; k < s->col_end[j]; k++) dj -= y[s->row_idx[k]] * s->val[k];
-        it->d[j] = dj;
-    }
+    for (int i = 0; i < lp->solver->splp.m; i++) w[i] = ds->cost[it->head[i]];
+    duals_from_costs(lp, w, ds->work2);
+    reduced_costs(lp, ds->cost);
 }
 
 double dual_objective(TRVlp lp) {
-    const simplex_lp *s = &lp->solver->splp;
-    const simplex_iter *it = &lp->solver->it;
-    const dual_state *ds = lp->dual;
-    double z = 0.0;
-    for (int j = 0; j < s->ntotal; j++) z += ds->cost[j] * it->x[j];
-    return z;
+    return working_objective(lp, lp->dual->cost);
 }
 
 /* Sum and count of the violations of the working bounds by basic values. */
@@ -391,7 +359,7 @@ int dual_refactor(TRVenv env, TRVlp lp) {
     int st = lu_refactor(env, lp, &it->markowitz, it->pivot_tol, 1, 0);
     if (st != 0 && st != RC_REPAIRED) return st;
     ds->updates = 0;
-    ds->refactored = 1;
+    ds->log.refactored = 1;
     dual_row_partition(lp);
     if (ds->n_banned > 0) {
         for (int i = 0; i < lp->solver->splp.m; i++)
@@ -475,57 +443,16 @@ void dual_pivot_row(TRVlp lp, int p) {
 
 /* ---- the iteration log ---------------------------------------------------- */
 
-static void log_header(TRVenv env, dual_state *ds) {
-    if (ds->header_done) return;
-    TRVmsg(env->reschannel, "\nIteration log . . .\n");
-    ds->header_done = 1;
-}
-
-/* The summary line; at display level 1 only after a factorization or a
- * change of phase unless forced. */
+/* Phase 1 reports the sum of dual infeasibilities, minus the objective
+ * of the auxiliary box. */
 void dual_log(TRVenv env, TRVlp lp, int force) {
     dual_state *ds = lp->dual;
-    if (ds->display < 1) return;
-    if (!force && !ds->refactored && ds->phase == ds->last_phase_logged) return;
-    log_header(env, ds);
-    int n_it = lp->solver->it.n_it;
-    if (ds->phase == 1)
-        TRVmsg(env->reschannel, ds->scaled ? "Iteration: %5d    Scaled infeas = %20.6f\n"
-                                           : "Iteration: %5d    Infeasibility = %20.6f\n",
-               n_it, -ds->objective);
-    else
-        TRVmsg(env->reschannel, "Iteration: %5d    Objective     = %20.6f\n", n_it,
-               lp->solver->splp.sense * ds->objective);
-    ds->refactored = 0;
-    ds->last_phase_logged = ds->phase;
+    iter_log_line(env, &ds->log, ds->phase, lp->solver->it.n_it, -ds->objective,
+                  lp->solver->splp.sense * ds->objective, force);
 }
 
 void dual_log_detail(TRVenv env, TRVlp lp) {
     dual_state *ds = lp->dual;
-    log_header(env, ds);
-    if (!ds->detail_head_done) {
-        TRVmsg(env->reschannel, "       In Variable           Out Variable\n");
-        ds->detail_head_done = 1;
-    }
-    char tag[32], val[40], in[300], out[300];
-    int n_it = lp->solver->it.n_it;
-    if (ds->phase == 1)
-        std::snprintf(tag, sizeof tag, ds->perturb.active ? "%6d sI" : "%6d  I", n_it);
-    else
-        std::snprintf(tag, sizeof tag, "%6d   ", n_it);
-    double z = ds->phase == 1 ? -ds->objective : lp->solver->splp.sense * ds->objective;
-    std::snprintf(val, sizeof val, std::fabs(z) > 1e11 ? "%20.6e" : "%20.6f", z);
-    if (ds->entered >= 0)
-        primal_varlabel(env, lp, ds->entered, in, sizeof in);
-    else
-        in[0] = '\0';
-    if (ds->left >= 0)
-        primal_varlabel(env, lp, ds->left, out, sizeof out);
-    else if (ds->left_status == 2)
-        std::snprintf(out, sizeof out, "    goes to upper bound");
-    else if (ds->left_status == 0)
-        std::snprintf(out, sizeof out, "    goes to lower bound");
-    else
-        std::snprintf(out, sizeof out, "      leaves superbasis");
-    TRVmsg(env->reschannel, "%s%s  %-20s  %s\n", tag, val, in, out);
+    iter_log_detail(env, lp, &ds->log, ds->phase, ds->perturb.active, lp->solver->it.n_it,
+                    -ds->objective, lp->solver->splp.sense * ds->objective);
 }

@@ -37,18 +37,9 @@ static bool moved(const dual_state *ds) {
     return ds->objective > pg->base_value + margin;
 }
 
-/* Size rule: the first start takes the size as it stands, later ones a
- * tenth of it, never below 1e-6; the Harris relaxation stays well below. */
+/* The size rule of the primal perturbation. */
 static void perturb_size(dual_state *ds) {
-    dual_perturb_rec *pr = &ds->perturb;
-    if (pr->count > 0) {
-        pr->size *= 0.1;
-        if (pr->size < 1e-6) pr->size = 1e-6;
-    }
-    if (100.0 * ds->harris_delta >= pr->size) {
-        ds->harris_delta = 0.01 * pr->size;
-        ds->harris_base = 0.01 * pr->size;
-    }
+    perturb_next_size(&ds->perturb, &ds->harris_delta, &ds->harris_base);
 }
 
 /* Moves the cost of every nonbasic variable that is not fixed by a random
@@ -75,12 +66,7 @@ void dual_perturb(TRVenv env, TRVlp lp) {
         ds->cost[j] += amt;
         it->d[j] += amt;
     }
-    if (ds->display > 0)
-        TRVmsg(env->reschannel, ds->perturb.count == 0 ? "Perturbation started.\n"
-                                                       : "Reperturbation started.\n");
-    ds->perturb.active = 1;
-    ds->perturb.count++;
-    ds->perturb.shift_limit = PR_NOLIMIT;
+    perturb_begin(env, &ds->log, &ds->perturb);
     ds->objective = dual_objective(lp);
 }
 
@@ -103,19 +89,8 @@ int dual_remove(TRVenv env, TRVlp lp) {
     const simplex_lp *s = &lp->solver->splp;
     dual_state *ds = lp->dual;
     dual_perturb_rec *pr = &ds->perturb;
-    if (!pr->active && pr->shift_count == 0) return 0;
-    if (ds->display > 0) {
-        if (pr->active) TRVmsg(env->reschannel, "Removing perturbation.\n");
-        else TRVmsg(env->reschannel, "Removing shift (%d).\n", pr->shift_count);
-    }
-    if (!pr->active) {
-        ds->harris_base = tol_reduce(ds->harris_base);
-        ds->harris_delta = ds->harris_base;
-    }
+    if (!perturb_end(env, &ds->log, pr, &ds->harris_base, &ds->harris_delta)) return 0;
     for (int j = 0; j < s->ncoltot; j++) ds->cost[j] = j < s->ntotal ? s->sense * s->cost[j] : 0.0;
-    pr->active = 0;
-    pr->shift_limit = PR_NOLIMIT;
-    pr->shift_count = 0;
     dual_compute_d(lp);
     return 1;
 }

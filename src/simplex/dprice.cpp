@@ -136,7 +136,7 @@ int dual_norms_init(TRVenv env, TRVlp lp) {
     }
     bool stored = lp->start != nullptr && lp->start->has_norms && par_int(env, 1001) != 0;
     if (stored) {
-        if (ds->display > 0) TRVmsg(env->reschannel, "Reinitializing dual norms . . .\n");
+        if (ds->log.display > 0) TRVmsg(env->reschannel, "Reinitializing dual norms . . .\n");
         start_norms(lp);
         int computed = 0;
         for (int i = 0; i < m; i++)
@@ -144,7 +144,7 @@ int dual_norms_init(TRVenv env, TRVlp lp) {
                 it->dweight[i] = exact_norm(lp, i);
                 computed++;
             }
-        if (ds->display > 0) TRVmsg(env->reschannel, "Computed %d new norms.\n", computed);
+        if (ds->log.display > 0) TRVmsg(env->reschannel, "Computed %d new norms.\n", computed);
         ds->norms_ready = 1;
         return 0;
     }
@@ -155,7 +155,7 @@ int dual_norms_init(TRVenv env, TRVlp lp) {
         ds->norms_ready = 1;
         return 0;
     }
-    if (ds->display > 0) TRVmsg(env->reschannel, "Initializing dual steep norms . . .\n");
+    if (ds->log.display > 0) TRVmsg(env->reschannel, "Initializing dual steep norms . . .\n");
     for (int i = 0; i < m; i++) {
         /* a slack's row of the inverse is a unit row only in a slack basis */
         it->dweight[i] = exact_norm(lp, i);

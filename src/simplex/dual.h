@@ -45,10 +45,7 @@ struct dual_progress {
     int phase, fix_pending, restart_count;
 };
 
-struct dual_perturb_rec {
-    int active, count, shift_count, shift_limit;
-    double size;
-};
+using dual_perturb_rec = perturb_rec;
 
 struct dual_state {
     int phase;          /* 1 dual infeasible (the auxiliary box), 2 feasible */
@@ -89,26 +86,20 @@ struct dual_state {
     int it_limit, n_it_phase1;
     double time_limit, obj_limit, start_time;
     int status;
-    int scaled;
-    int display;
     int fast;
     double objective;     /* sense * c x of the working problem */
     double sum_dinf;      /* sum of dual infeasibilities (phase 1) */
     int n_dinf;
     double sum_pinf;      /* sum of primal infeasibilities */
     int updates;
-    int refactored;
-    int last_phase_logged, header_done, detail_head_done;
-    double last_elapsed_print;
-    int last_elapsed_it;
     int abort;            /* 1 callback, 2 time */
-    int entered, left, left_status;
     int n_tol_events;
     int last_perturb_it;
     int dual_unbounded_events;
     int norms_ready;
     int flip_count;
     int polished;         /* the optimum was checked at tightened tolerances */
+    iter_log log;
 };
 
 /* ---- driver (dualopt.cpp) -------------------------------------------------- */

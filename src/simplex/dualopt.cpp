@@ -12,14 +12,6 @@
 #include "frame/callback.h"
 #include "simplex/dual.h"
 
-static int candidates_for(int n) {
-    static const int lim[] = {100, 500, 1000, 5000, 10000, 100000};
-    static const int val[] = {5, 10, 15, 20, 25, 30};
-    for (int k = 0; k < 6; k++)
-        if (n < lim[k]) return val[k];
-    return 35;
-}
-
 static void load_run_parameters(TRVenv env, TRVlp lp) {
     const simplex_lp *s = &lp->solver->splp;
     dual_state *ds = lp->dual;
@@ -31,7 +23,7 @@ static void load_run_parameters(TRVenv env, TRVlp lp) {
     if (s->harris_dual > 0.0 && s->harris_dual < ds->harris_delta) ds->harris_delta = s->harris_dual;
     ds->harris_base = ds->harris_delta;
     ds->infeas_limit = s->m * ds->dual_tol;
-    ds->display = par_int(env, 1019);
+    ds->log.display = par_int(env, 1019);
     ds->it_limit = par_int(env, 1020);
     ds->time_limit = par_dbl(env, 1039);
     /* the run minimises sense * c x: an upper limit on a minimisation, the
@@ -40,10 +32,10 @@ static void load_run_parameters(TRVenv env, TRVlp lp) {
     ds->candidates_max = candidates_for(s->n);
     ds->perturb.size = par_dbl(env, 1015);
     ds->perturb.shift_limit = PR_NOLIMIT;
-    ds->last_phase_logged = 0;
-    ds->entered = ds->left = -1;
+    ds->log.last_phase_logged = 0;
+    ds->log.entered = ds->log.left = -1;
     ds->fast = par_int(env, 1017) > 0;
-    ds->scaled = lp->lpdata->colscale != nullptr;
+    ds->log.scaled = lp->lpdata->colscale != nullptr;
     ds->last_perturb_it = -1;
 }
 
@@ -96,17 +88,7 @@ static int objective_limit(TRVenv env, TRVlp lp) {
 }
 
 static void elapsed_print(TRVenv env, TRVlp lp) {
-    dual_state *ds = lp->dual;
-    int n = lp->solver->it.n_it;
-    if (ds->display == 0 || n == 0 || n % 1000 != 0) return;
-    if (n - ds->last_elapsed_it < 1000) return;
-    double now = env_time(env);
-    if (now - ds->last_elapsed_print < 10.0) return;
-    TRVmsg(env->reschannel, "Elapsed time = %7.2f sec. (%d iterations)\n",
-           now - ds->start_time, n);
-    TRVflushchannel(env, env->reschannel);
-    ds->last_elapsed_print = now;
-    ds->last_elapsed_it = n;
+    iter_log_elapsed(env, &lp->dual->log, lp->solver->it.n_it, lp->dual->start_time);
 }
 
 static int main_loop(TRVenv env, TRVlp lp) {
@@ -136,8 +118,8 @@ static int main_loop(TRVenv env, TRVlp lp) {
         if (st != 0) return st;
         it->n_it++;
         if (phase_before == 1) ds->n_it_phase1++;
-        if (ds->display >= 2) dual_log_detail(env, lp);
-        else if (ds->display == 1) dual_log(env, lp, 0);
+        if (ds->log.display >= 2) dual_log_detail(env, lp);
+        else if (ds->log.display == 1) dual_log(env, lp, 0);
     }
     return 0;
 }
@@ -349,7 +331,7 @@ int dual_opt(TRVenv env, TRVlp lp, int it_so_far, int it1_so_far, double start_t
     ds->pricing = pricing;
     lp->solver->cbinfo = dual_cbinfo;
     ds->start_time = start_time;
-    ds->last_elapsed_print = start_time;
+    ds->log.last_elapsed_print = start_time;
     it->n_it = it_so_far;
     ds->n_it_phase1 = it1_so_far;
     st = lu_alloc(env, lp);
@@ -366,7 +348,7 @@ int dual_opt(TRVenv env, TRVlp lp, int it_so_far, int it1_so_far, double start_t
     st = dual_norms_init(env, lp);
     if (st != 0) return st;
     if (par_int(env, 1027) || (!loaded && dual_degenerate(lp))) dual_perturb(env, lp);
-    if (ds->display == 1) dual_log(env, lp, 1);
+    if (ds->log.display == 1) dual_log(env, lp, 1);
     int rounds = 0;
     while (true) {
         st = main_loop(env, lp);
@@ -434,7 +416,7 @@ int dual_opt(TRVenv env, TRVlp lp, int it_so_far, int it1_so_far, double start_t
         ds->objective = dual_objective(lp);
     }
     if (ds->phase == 1) dual_true_values(lp);
-    if (ds->display >= 1) dual_log(env, lp, 1);
+    if (ds->log.display >= 1) dual_log(env, lp, 1);
     lp->stat = ds->status;
     return 0;
 }

@@ -31,16 +31,19 @@ double tol_reduce(double t) {
 
 /* Size rule: the first start takes the size as it stands, later ones a
  * tenth of it, never below 1e-6; the Harris relaxation stays well below. */
-static void perturb_size(primal_state *ps) {
-    perturb_rec *pr = &ps->perturb;
+void perturb_next_size(perturb_rec *pr, double *harris_delta, double *harris_base) {
     if (pr->count > 0) {
         pr->size *= 0.1;
         if (pr->size < 1e-6) pr->size = 1e-6;
     }
-    if (100.0 * ps->harris_delta >= pr->size) {
-        ps->harris_delta = 0.01 * pr->size;
-        ps->harris_base = 0.01 * pr->size;
+    if (100.0 * *harris_delta >= pr->size) {
+        *harris_delta = 0.01 * pr->size;
+        *harris_base = 0.01 * pr->size;
     }
+}
+
+static void perturb_size(primal_state *ps) {
+    perturb_next_size(&ps->perturb, &ps->harris_delta, &ps->harris_base);
 }
 
 void primal_perturb(TRVenv env, TRVlp lp) {
@@ -64,12 +67,7 @@ void primal_perturb(TRVenv env, TRVlp lp) {
             rhs_moved = true;
         }
     }
-    if (ps->display > 0)
-        TRVmsg(env->reschannel, ps->perturb.count == 0 ? "Perturbation started.\n"
-                                                       : "Reperturbation started.\n");
-    ps->perturb.active = 1;
-    ps->perturb.count++;
-    ps->perturb.shift_limit = PR_NOLIMIT;
+    perturb_begin(env, &ps->log, &ps->perturb);
     if (rhs_moved) primal_compute_x(lp);
     primal_set_phase(lp);
     primal_compute_y(lp);
@@ -107,6 +105,36 @@ int extend_shifts(TRVlp lp) {
     return n;
 }
 
+/* Announces a new start of the perturbation and marks it in force. */
+void perturb_begin(TRVenv env, const iter_log *lg, perturb_rec *pr) {
+    if (lg->display > 0)
+        TRVmsg(env->reschannel, pr->count == 0 ? "Perturbation started.\n"
+                                               : "Reperturbation started.\n");
+    pr->active = 1;
+    pr->count++;
+    pr->shift_limit = PR_NOLIMIT;
+}
+
+/* The common part of the removal of a perturbation or of shifts: returns
+ * 0 when neither is in force, else announces it, lowers the Harris
+ * tolerance after shifts alone, and clears the record. */
+int perturb_end(TRVenv env, const iter_log *lg, perturb_rec *pr, double *harris_base,
+                double *harris_delta) {
+    if (!pr->active && pr->shift_count == 0) return 0;
+    if (lg->display > 0) {
+        if (pr->active) TRVmsg(env->reschannel, "Removing perturbation.\n");
+        else TRVmsg(env->reschannel, "Removing shift (%d).\n", pr->shift_count);
+    }
+    if (!pr->active) {
+        *harris_base = tol_reduce(*harris_base);
+        *harris_delta = *harris_base;
+    }
+    pr->active = 0;
+    pr->shift_limit = PR_NOLIMIT;
+    pr->shift_count = 0;
+    return 1;
+}
+
 /* Back to the true bounds, costs and right-hand side. Returns 1 when a
  * perturbation or shifts were in force (the values are then recomputed). */
 int primal_remove(TRVenv env, TRVlp lp) {
@@ -114,15 +142,7 @@ int primal_remove(TRVenv env, TRVlp lp) {
     simplex_iter *it = &lp->solver->it;
     primal_state *ps = lp->primal;
     perturb_rec *pr = &ps->perturb;
-    if (!pr->active && pr->shift_count == 0) return 0;
-    if (ps->display > 0) {
-        if (pr->active) TRVmsg(env->reschannel, "Removing perturbation.\n");
-        else TRVmsg(env->reschannel, "Removing shift (%d).\n", pr->shift_count);
-    }
-    if (!pr->active) {
-        ps->harris_base = tol_reduce(ps->harris_base);
-        ps->harris_delta = ps->harris_base;
-    }
+    if (!perturb_end(env, &ps->log, pr, &ps->harris_base, &ps->harris_delta)) return 0;
     for (int j = 0; j < s->ncoltot; j++) {
         ps->lower[j] = s->lower[j];
         ps->upper[j] = s->upper[j];
@@ -135,9 +155,6 @@ int primal_remove(TRVenv env, TRVlp lp) {
     }
     const lp_data *d = lp->lpdata;
     for (int i = 0; i < s->m; i++) ps->rhs[i] = d->rhs[i];
-    pr->active = 0;
-    pr->shift_limit = PR_NOLIMIT;
-    pr->shift_count = 0;
     ps->ban_epoch = PR_NOLIMIT;
     primal_compute_x(lp);
     primal_set_phase(lp);

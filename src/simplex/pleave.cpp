@@ -91,18 +91,8 @@ static int price_with_ladder(TRVenv env, TRVlp lp, int *q_out) {
 
 /* The entering column through the factorization into ps->alpha. */
 static void entering_column(TRVlp lp, int q) {
-    const simplex_lp *s = &lp->solver->splp;
     primal_state *ps = lp->primal;
-    sparse_vec *c = &ps->col;
-    sv_clear(c);
-    c->nz = 0;
-    for (int k = s->col_beg[q]; k < s->col_end[q]; k++) {
-        c->val[s->row_idx[k]] = s->val[k];
-        c->idx[c->nz++] = s->row_idx[k];
-    }
-    sv_clear(&ps->alpha);
-    lu_ftran(lp->factor, &ps->alpha, c);
-    if (ps->alpha.nz < 0) sv_from_dense(&ps->alpha);
+    column_solve(lp, q, &ps->col, &ps->alpha);
     ps->work_pivots += ps->alpha.nz;
 }
 
@@ -162,9 +152,9 @@ static int bound_flip(TRVlp lp, int q, int dir) {
         it->status[q] = 0;
         it->x[q] = ps->lower[q];
     }
-    ps->entered = q;
-    ps->left = -1;
-    ps->left_status = old == 3 ? 3 : it->status[q];
+    ps->log.entered = q;
+    ps->log.left = -1;
+    ps->log.left_status = old == 3 ? 3 : it->status[q];
     ps->flipped = 1;
     if (ps->phase == 1) {
         after_step_phase1(lp);
@@ -225,8 +215,8 @@ static int basis_change(TRVenv env, TRVlp lp, int q, int dir) {
     if (!s->has_lower[r] && !s->has_upper[r]) it->status[r] = 3;
     it->status[q] = 1;
     it->head[p] = q;
-    ps->entered = q;
-    ps->left = r;
+    ps->log.entered = q;
+    ps->log.left = r;
     ps->flipped = 0;
     st = lu_update(env, lp);
     ps->updates++;
@@ -235,7 +225,7 @@ static int basis_change(TRVenv env, TRVlp lp, int q, int dir) {
     if (st == RC_REPAIRED || lu->update_count == 0) {
         /* the update refactored: everything from scratch */
         ps->updates = 0;
-        ps->refactored = 1;
+        ps->log.refactored = 1;
         it->n_lu++;
         primal_compute_x(lp);
         if (primal_set_phase(lp)) primal_price_reset(lp);
@@ -269,7 +259,7 @@ static int primal_try_dir(TRVenv env, TRVlp lp, int q, int forced, int recheck, 
                            : ratio_primal_p2(lp, dir, dq, lim, q);
     if (r == 3) {
         /* an unbounded direction is confirmed on fresh figures */
-        ps->entered = q;
+        ps->log.entered = q;
         if (ps->phase == 2 && (recheck || (ps->fast && std::fabs(dq) >= 0.0005))) {
             ps->status = LPS_UNBOUNDED;
             return 0;

@@ -120,19 +120,15 @@ int primal_state_alloc(TRVenv env, TRVlp lp) {
 
 /* ---- recomputation ----------------------------------------------------- */
 
-/* Nonbasic values from their status, basic values by a dense solve. */
-void primal_compute_x(TRVlp lp) {
+/* Basic values by a dense solve of rhs less the nonbasic columns at their
+ * values; w is m of scratch, zero again on return. */
+void basic_values(TRVlp lp, const double *rhs, double *w) {
     const simplex_lp *s = &lp->solver->splp;
     simplex_iter *it = &lp->solver->it;
-    primal_state *ps = lp->primal;
     int m = s->m, nc = s->ncoltot;
-    double *w = ps->work;
-    for (int i = 0; i < m; i++) w[i] = ps->rhs[i];
+    for (int i = 0; i < m; i++) w[i] = rhs[i];
     for (int j = 0; j < nc; j++) {
-        int st = it->status[j];
-        if (st == 1) continue;
-        if (st == 0) it->x[j] = ps->lower[j];
-        else if (st == 2) it->x[j] = ps->upper[j];
+        if (it->status[j] == 1) continue;
         double v = it->x[j];
         if (v == 0.0) continue;
         for (int k = s->col_beg[j]; k < s->col_end[j]; k++) w[s->row_idx[k]] -= s->val[k] * v;
@@ -144,37 +140,68 @@ void primal_compute_x(TRVlp lp) {
     }
 }
 
-void primal_compute_y(TRVlp lp) {
+/* sense * c x over the columns 0..ntotal-1 for the working costs. */
+double working_objective(TRVlp lp, const double *cost) {
     const simplex_lp *s = &lp->solver->splp;
+    const simplex_iter *it = &lp->solver->it;
+    double z = 0.0;
+    for (int j = 0; j < s->ntotal; j++) z += cost[j] * it->x[j];
+    return z;
+}
+
+/* Nonbasic values from their status, basic values by a dense solve. */
+void primal_compute_x(TRVlp lp) {
     simplex_iter *it = &lp->solver->it;
     primal_state *ps = lp->primal;
-    int m = s->m;
-    double *w = ps->work;
-    for (int i = 0; i < m; i++) w[i] = ps->phase == 1 ? ps->c1[i] : ps->cost[it->head[i]];
-    lu_btran_dense(lp->factor, w, ps->work2);
+    for (int j = 0; j < lp->solver->splp.ncoltot; j++) {
+        int st = it->status[j];
+        if (st == 0) it->x[j] = ps->lower[j];
+        else if (st == 2) it->x[j] = ps->upper[j];
+    }
+    basic_values(lp, ps->rhs, ps->work);
+}
+
+/* The duals from the basic costs in w by a dense solve with work2 as
+ * scratch; both are zero again on return. */
+void duals_from_costs(TRVlp lp, double *w, double *work2) {
+    simplex_iter *it = &lp->solver->it;
+    int m = lp->solver->splp.m;
+    lu_btran_dense(lp->factor, w, work2);
     for (int i = 0; i < m; i++) {
         it->y[i] = w[i];
         w[i] = 0.0;
+        work2[i] = 0.0;
     }
-    for (int i = 0; i < m; i++) ps->work2[i] = 0.0;
+}
+
+/* The reduced costs of all nonbasic variables from the current duals, 0
+ * for the basic ones; no cost array means zero costs. */
+void reduced_costs(TRVlp lp, const double *cost) {
+    const simplex_lp *s = &lp->solver->splp;
+    simplex_iter *it = &lp->solver->it;
+    for (int j = 0; j < s->ncoltot; j++)
+        it->d[j] = it->status[j] == 1 ? 0.0 : column_dj(s, it->y, cost ? cost[j] : 0.0, j);
+}
+
+void primal_compute_y(TRVlp lp) {
+    const simplex_iter *it = &lp->solver->it;
+    primal_state *ps = lp->primal;
+    double *w = ps->work;
+    for (int i = 0; i < lp->solver->splp.m; i++)
+        w[i] = ps->phase == 1 ? ps->c1[i] : ps->cost[it->head[i]];
+    duals_from_costs(lp, w, ps->work2);
 }
 
 /* The reduced cost of j from the current duals. */
 double primal_dj(TRVlp lp, int j) {
-    const simplex_lp *s = &lp->solver->splp;
-    const simplex_iter *it = &lp->solver->it;
     const primal_state *ps = lp->primal;
-    double dj = ps->phase == 1 ? 0.0 : ps->cost[j];
-    for (int k = s->col_beg[j]; k < s->col_end[j]; k++) dj -= it->y[s->row_idx[k]] * s->val[k];
-    return dj;
+    return column_dj(&lp->solver->splp, lp->solver->it.y, ps->phase == 1 ? 0.0 : ps->cost[j], j);
 }
 
 void primal_compute_d(TRVlp lp) {
-    const simplex_lp *s = &lp->solver->splp;
-    simplex_iter *it = &lp->solver->it;
-    for (int j = 0; j < s->ncoltot; j++)
-        it->d[j] = it->status[j] == 1 ? 0.0 : primal_dj(lp, j);
-    lp->primal->d_valid = 1;
+    primal_state *ps = lp->primal;
+    reduced_costs(lp, ps->phase == 1 ? nullptr : ps->cost);
+    ps->d_valid = 1;
 }
 
 /* Phase 1 costs of the basic variables: -1 below the lower bound, +1 above
@@ -214,12 +241,7 @@ int primal_set_phase(TRVlp lp) {
 }
 
 double primal_objective(TRVlp lp) {
-    const simplex_lp *s = &lp->solver->splp;
-    const simplex_iter *it = &lp->solver->it;
-    const primal_state *ps = lp->primal;
-    double z = 0.0;
-    for (int j = 0; j < s->ntotal; j++) z += ps->cost[j] * it->x[j];
-    return z;
+    return working_objective(lp, lp->primal->cost);
 }
 
 /* Largest violation of a working bound by a basic variable. */
@@ -247,7 +269,7 @@ int primal_refactor(TRVenv env, TRVlp lp) {
     if (st != 0 && st != RC_REPAIRED) return st;
     it->n_lu++;
     ps->updates = 0;
-    ps->refactored = 1;
+    ps->log.refactored = 1;
     ps->n_banned = 0;
     for (int j = 0; j < lp->solver->splp.ncoltot; j++)
         if (it->ban[j] == 33) it->ban[j] = 0;
@@ -330,6 +352,20 @@ int primal_pivot_row(TRVlp lp, int p) {
     return 0;
 }
 
+/* Column q of the matrix into col, its solve into alpha. */
+void column_solve(TRVlp lp, int q, sparse_vec *col, sparse_vec *alpha) {
+    const simplex_lp *s = &lp->solver->splp;
+    sv_clear(col);
+    col->nz = 0;
+    for (int k = s->col_beg[q]; k < s->col_end[q]; k++) {
+        col->val[s->row_idx[k]] = s->val[k];
+        col->idx[col->nz++] = s->row_idx[k];
+    }
+    sv_clear(alpha);
+    lu_ftran(lp->factor, alpha, col);
+    if (alpha->nz < 0) sv_from_dense(alpha);
+}
+
 /* ---- the iteration log ---------------------------------------------------- */
 
 const char *primal_varlabel(TRVenv env, TRVlp lp, int j, char *buf, size_t sz) {
@@ -345,57 +381,79 @@ const char *primal_varlabel(TRVenv env, TRVlp lp, int j, char *buf, size_t sz) {
     return buf;
 }
 
-static void log_header(TRVenv env, primal_state *ps) {
-    if (ps->header_done) return;
+static void log_header(TRVenv env, iter_log *lg) {
+    if (lg->header_done) return;
     TRVmsg(env->reschannel, "\nIteration log . . .\n");
-    ps->header_done = 1;
+    lg->header_done = 1;
 }
 
 /* The summary line; at display level 1 only after a factorization or a
  * change of phase unless forced. */
-void primal_log(TRVenv env, TRVlp lp, int force) {
-    primal_state *ps = lp->primal;
-    if (ps->display < 1) return;
-    if (!force && !ps->refactored && ps->phase == ps->last_phase_logged) return;
-    log_header(env, ps);
-    int n_it = lp->solver->it.n_it;
-    if (ps->phase == 1)
-        TRVmsg(env->reschannel, ps->scaled ? "Iteration: %5d    Scaled infeas = %20.6f\n"
+void iter_log_line(TRVenv env, iter_log *lg, int phase, int n_it, double infeas,
+                   double objective, int force) {
+    if (lg->display < 1) return;
+    if (!force && !lg->refactored && phase == lg->last_phase_logged) return;
+    log_header(env, lg);
+    if (phase == 1)
+        TRVmsg(env->reschannel, lg->scaled ? "Iteration: %5d    Scaled infeas = %20.6f\n"
                                            : "Iteration: %5d    Infeasibility = %20.6f\n",
-               n_it, ps->sum_inf);
+               n_it, infeas);
     else
-        TRVmsg(env->reschannel, "Iteration: %5d    Objective     = %20.6f\n", n_it,
-               lp->solver->splp.sense * ps->objective);
-    ps->refactored = 0;
-    ps->last_phase_logged = ps->phase;
+        TRVmsg(env->reschannel, "Iteration: %5d    Objective     = %20.6f\n", n_it, objective);
+    lg->refactored = 0;
+    lg->last_phase_logged = phase;
 }
 
-void primal_log_detail(TRVenv env, TRVlp lp) {
-    primal_state *ps = lp->primal;
-    log_header(env, ps);
-    if (!ps->detail_head_done) {
+void iter_log_detail(TRVenv env, TRVlp lp, iter_log *lg, int phase, int perturbed, int n_it,
+                     double infeas, double objective) {
+    log_header(env, lg);
+    if (!lg->detail_head_done) {
         TRVmsg(env->reschannel, "       In Variable           Out Variable\n");
-        ps->detail_head_done = 1;
+        lg->detail_head_done = 1;
     }
     char tag[32], val[40], in[300], out[300];
-    int n_it = lp->solver->it.n_it;
-    if (ps->phase == 1)
-        std::snprintf(tag, sizeof tag, ps->perturb.active ? "%6d sI" : "%6d  I", n_it);
+    if (phase == 1)
+        std::snprintf(tag, sizeof tag, perturbed ? "%6d sI" : "%6d  I", n_it);
     else
         std::snprintf(tag, sizeof tag, "%6d   ", n_it);
-    double z = ps->phase == 1 ? ps->sum_inf : lp->solver->splp.sense * ps->objective;
+    double z = phase == 1 ? infeas : objective;
     std::snprintf(val, sizeof val, std::fabs(z) > 1e11 ? "%20.6e" : "%20.6f", z);
-    if (ps->entered >= 0)
-        primal_varlabel(env, lp, ps->entered, in, sizeof in);
+    if (lg->entered >= 0)
+        primal_varlabel(env, lp, lg->entered, in, sizeof in);
     else
         in[0] = '\0';
-    if (ps->left >= 0)
-        primal_varlabel(env, lp, ps->left, out, sizeof out);
-    else if (ps->left_status == 2)
+    if (lg->left >= 0)
+        primal_varlabel(env, lp, lg->left, out, sizeof out);
+    else if (lg->left_status == 2)
         std::snprintf(out, sizeof out, "    goes to upper bound");
-    else if (ps->left_status == 0)
+    else if (lg->left_status == 0)
         std::snprintf(out, sizeof out, "    goes to lower bound");
     else
         std::snprintf(out, sizeof out, "      leaves superbasis");
     TRVmsg(env->reschannel, "%s%s  %-20s  %s\n", tag, val, in, out);
+}
+
+/* The elapsed time, every 1000 iterations and at most every 10 seconds. */
+void iter_log_elapsed(TRVenv env, iter_log *lg, int n_it, double start_time) {
+    if (lg->display == 0 || n_it == 0 || n_it % 1000 != 0) return;
+    if (n_it - lg->last_elapsed_it < 1000) return;
+    double now = env_time(env);
+    if (now - lg->last_elapsed_print < 10.0) return;
+    TRVmsg(env->reschannel, "Elapsed time = %7.2f sec. (%d iterations)\n", now - start_time,
+           n_it);
+    TRVflushchannel(env, env->reschannel);
+    lg->last_elapsed_print = now;
+    lg->last_elapsed_it = n_it;
+}
+
+void primal_log(TRVenv env, TRVlp lp, int force) {
+    primal_state *ps = lp->primal;
+    iter_log_line(env, &ps->log, ps->phase, lp->solver->it.n_it, ps->sum_inf,
+                  lp->solver->splp.sense * ps->objective, force);
+}
+
+void primal_log_detail(TRVenv env, TRVlp lp) {
+    primal_state *ps = lp->primal;
+    iter_log_detail(env, lp, &ps->log, ps->phase, ps->perturb.active, lp->solver->it.n_it,
+                    ps->sum_inf, lp->solver->splp.sense * ps->objective);
 }

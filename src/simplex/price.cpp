@@ -353,7 +353,7 @@ int primal_norms_init(TRVenv env, TRVlp lp, int mode) {
     for (int i = 0; i < s->m; i++)
         if (it->head[i] < s->nstruct) slack_basis = false;
     bool cheap = mode == 3 || slack_basis;
-    if (!cheap && ps->display > 0) TRVmsg(env->reschannel, "Initializing primal norms . . .\n");
+    if (!cheap && ps->log.display > 0) TRVmsg(env->reschannel, "Initializing primal norms . . .\n");
     for (int j = 0; j < s->ncoltot; j++) {
         if (it->status[j] == 1 || j >= s->ntotal) {
             w[j] = 1.0;

@@ -80,6 +80,21 @@ struct primal_devex {
     int ref_size;
 };
 
+/* The state of the iteration log and of the last pivot it reports, the
+ * same for the primal and the dual run. */
+struct iter_log {
+    int display;
+    int scaled;
+    int refactored;       /* a factorization since the last log line */
+    int last_phase_logged;
+    int header_done;
+    int detail_head_done;
+    double last_elapsed_print;
+    int last_elapsed_it;
+    int entered, left;    /* last pivot, for the log and the progress */
+    int left_status;
+};
+
 struct primal_state {
     int phase;        /* 1 infeasible, 2 feasible */
     int pricing;      /* family of parameter 1029, 1 after the switch, -1 blocked */
@@ -112,27 +127,18 @@ struct primal_state {
     int n_it_phase1;
     double time_limit, obj_limit, start_time;
     int status;
-    int scaled;
     int shift_on;
     double objective;
     double sum_inf;
     int n_inf;
     int updates;          /* basis changes since the last factorization */
-    int refactored;       /* a factorization since the last log line */
-    int last_phase_logged;
-    int header_done;
-    int detail_head_done;
-    double last_elapsed_print;
-    int last_elapsed_it;
     int fast;
     int abort;            /* 1 callback, 2 time */
     long work_pivots;     /* accumulated work of the entering columns */
-    int entered, left;    /* last pivot, for the log and the progress */
-    int left_status;
     int flipped;
-    int display;
     int pushed;           /* the superbasic pass has run */
     int polished;         /* the optimum was rechecked at a tighter tolerance */
+    iter_log log;
 };
 
 /* ---- driver (primopt.cpp) ---------------------------------------------- */
@@ -158,6 +164,36 @@ int primal_pivot_row(TRVlp lp, int p);
 void primal_log(TRVenv env, TRVlp lp, int force);
 void primal_log_detail(TRVenv env, TRVlp lp);
 const char *primal_varlabel(TRVenv env, TRVlp lp, int j, char *buf, size_t sz);
+
+/* ---- shared by the primal and the dual run (poptutil.cpp) ------------------ */
+
+/* The summary line of the log; infeas is the figure of phase 1, objective
+ * the one of phase 2 (sense * c x). */
+void iter_log_line(TRVenv env, iter_log *lg, int phase, int n_it, double infeas,
+                   double objective, int force);
+void iter_log_detail(TRVenv env, TRVlp lp, iter_log *lg, int phase, int perturbed, int n_it,
+                     double infeas, double objective);
+void iter_log_elapsed(TRVenv env, iter_log *lg, int n_it, double start_time);
+/* Basic values from rhs and the nonbasic values; w: m of zero scratch. */
+void basic_values(TRVlp lp, const double *rhs, double *w);
+double working_objective(TRVlp lp, const double *cost);
+int candidates_for(int size);
+void duals_from_costs(TRVlp lp, double *w, double *work2);
+void reduced_costs(TRVlp lp, const double *cost);
+/* c less the duals y times column j. */
+inline double column_dj(const simplex_lp *s, const double *y, double c, int j) {
+    for (int k = s->col_beg[j]; k < s->col_end[j]; k++) c -= y[s->row_idx[k]] * s->val[k];
+    return c;
+}
+/* Column q of the matrix into col, its solve into alpha. */
+void column_solve(TRVlp lp, int q, sparse_vec *col, sparse_vec *alpha);
+/* The size rule of a new start of the perturbation. */
+void perturb_next_size(perturb_rec *pr, double *harris_delta, double *harris_base);
+void perturb_begin(TRVenv env, const iter_log *lg, perturb_rec *pr);
+/* The common start of the removal of a perturbation or of shifts; 0 when
+ * neither is in force. */
+int perturb_end(TRVenv env, const iter_log *lg, perturb_rec *pr, double *harris_base,
+                double *harris_delta);
 
 /* ---- pricing (price.cpp) --------------------------------------------------- */
 

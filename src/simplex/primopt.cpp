@@ -11,11 +11,12 @@
 #include "frame/callback.h"
 #include "simplex/dual.h"
 
-static int candidates_for(int m) {
+/* How many candidates a pivot round may try, by the size of the model. */
+int candidates_for(int size) {
     static const int lim[] = {100, 500, 1000, 5000, 10000, 100000};
     static const int val[] = {5, 10, 15, 20, 25, 30};
     for (int k = 0; k < 6; k++)
-        if (m < lim[k]) return val[k];
+        if (size < lim[k]) return val[k];
     return 35;
 }
 
@@ -29,7 +30,7 @@ static void load_run_parameters(TRVenv env, TRVlp lp) {
     ps->harris_delta = h < ps->feas_tol ? h : ps->feas_tol;
     ps->harris_base = ps->harris_delta;
     ps->infeas_limit = s->m * ps->feas_tol;
-    ps->display = par_int(env, 1019);
+    ps->log.display = par_int(env, 1019);
     ps->it_limit = par_int(env, 1020);
     ps->time_limit = par_dbl(env, 1039);
     ps->obj_limit = s->sense > 0 ? par_dbl(env, 1025) : -par_dbl(env, 1026);
@@ -39,10 +40,10 @@ static void load_run_parameters(TRVenv env, TRVlp lp) {
     ps->shift_on = 1;
     ps->rw.no_length = par_int(env, 1068);
     ps->ban_epoch = PR_NOLIMIT;
-    ps->last_phase_logged = 0;
-    ps->entered = ps->left = -1;
+    ps->log.last_phase_logged = 0;
+    ps->log.entered = ps->log.left = -1;
     ps->fast = par_int(env, 1017) > 0;
-    ps->scaled = lp->lpdata->colscale != nullptr;
+    ps->log.scaled = lp->lpdata->colscale != nullptr;
 }
 
 /* The user's progress function; nonzero asks for a stop. */
@@ -107,17 +108,7 @@ static int objective_limit(TRVenv env, TRVlp lp) {
 }
 
 static void elapsed_print(TRVenv env, TRVlp lp) {
-    primal_state *ps = lp->primal;
-    int n = lp->solver->it.n_it;
-    if (ps->display == 0 || n == 0 || n % 1000 != 0) return;
-    if (n - ps->last_elapsed_it < 1000) return;
-    double now = env_time(env);
-    if (now - ps->last_elapsed_print < 10.0) return;
-    TRVmsg(env->reschannel, "Elapsed time = %7.2f sec. (%d iterations)\n",
-           now - ps->start_time, n);
-    TRVflushchannel(env, env->reschannel);
-    ps->last_elapsed_print = now;
-    ps->last_elapsed_it = n;
+    iter_log_elapsed(env, &lp->primal->log, lp->solver->it.n_it, lp->primal->start_time);
 }
 
 /* The automatic switch from partial pricing to devex, weighing the work of
@@ -146,7 +137,7 @@ static int devex_switch(TRVenv env, TRVlp lp) {
     }
     if (st != 0) return st;
     primal_compute_d(lp);
-    if (ps->display > 0)
+    if (ps->log.display > 0)
         TRVmsg(env->reschannel, i > 0 ? "Switched to devex.\n" : "Using devex.\n");
     return 0;
 }
@@ -181,8 +172,8 @@ static int main_loop(TRVenv env, TRVlp lp) {
         if (st != 0) return st;
         it->n_it++;
         if (phase_before == 1) ps->n_it_phase1++;
-        if (ps->display >= 2) primal_log_detail(env, lp);
-        else if (ps->display == 1) primal_log(env, lp, 0);
+        if (ps->log.display >= 2) primal_log_detail(env, lp);
+        else if (ps->log.display == 1) primal_log(env, lp, 0);
     }
     return 0;
 }
@@ -262,7 +253,7 @@ int primal_opt(TRVenv env, TRVlp lp, int it_so_far, int it1_so_far,
     load_run_parameters(env, lp);
     lp->solver->cbinfo = primal_cbinfo;
     ps->start_time = start_time;
-    ps->last_elapsed_print = start_time;
+    ps->log.last_elapsed_print = start_time;
     it->n_it = it_so_far;
     ps->n_it_phase1 = it1_so_far;
     st = lu_alloc(env, lp);
@@ -281,7 +272,7 @@ int primal_opt(TRVenv env, TRVlp lp, int it_so_far, int it1_so_far,
     ps->objective = primal_objective(lp);
     if (pricing_mode == 2 || pricing_mode == 3) primal_norms_init(env, lp, pricing_mode);
     if (par_int(env, 1027)) primal_perturb(env, lp);
-    if (ps->display == 1) primal_log(env, lp, 1);
+    if (ps->log.display == 1) primal_log(env, lp, 1);
     int rounds = 0, tol_events = 0;
     while (true) {
         st = main_loop(env, lp);
@@ -356,7 +347,7 @@ int primal_opt(TRVenv env, TRVlp lp, int it_so_far, int it1_so_far,
         if (ps->d_kept == 0) primal_compute_d(lp);
         ps->objective = primal_objective(lp);
     }
-    if (ps->display >= 1) primal_log(env, lp, 1);
+    if (ps->log.display >= 1) primal_log(env, lp, 1);
     lp->stat = ps->status;
     return 0;
 }
