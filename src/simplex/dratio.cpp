@@ -35,18 +35,22 @@ int ratio_dual(TRVlp lp, int dir, double slope, int flipping) {
     double *cr = ds->cand_ratio, *ca = ds->cand_a, *ch = ds->cand_h;
     int nc = 0;
     double max_abs = 0.0, row_abs = 0.0;
+    double hmin = PR_BIG; /* the smallest Harris ratio of the candidates */
     ds->n_flip = 0;
     ds->rw_enter = -1;
     ds->rw_step = 0.0;
     ds->rw_pivot_abs = 0.0;
     /* gather the candidates */
-    for (int k = 0; k < ds->prow_nz; k++) {
-        int j = ds->prow_idx[k];
+    const int *pidx = ds->prow_idx, pnz = ds->prow_nz;
+    const signed char *status = it->status;
+    const auto *ban = it->ban;
+    for (int k = 0; k < pnz; k++) {
+        int j = pidx[k];
         double a = dir * prow[j];
-        if (std::fabs(a) > row_abs && it->status[j] != 1) row_abs = std::fabs(a);
+        if (std::fabs(a) > row_abs && status[j] != 1) row_abs = std::fabs(a);
         if (std::fabs(a) <= DR_TINY) continue;
-        int st = it->status[j];
-        if (st == 1 || it->ban[j] == 32) continue;
+        int st = status[j];
+        if (st == 1 || ban[j] == 32) continue;
         bool boxed = lo_on[j] && up_on[j];
         if (boxed && lo[j] == up[j]) continue;
         bool block;
@@ -58,6 +62,7 @@ int ratio_dual(TRVlp lp, int dir, double slope, int flipping) {
         ca[nc] = a;
         cr[nc] = d[j] / a;
         ch[nc] = (d[j] + (a > 0.0 ? delta : -delta)) / a;
+        if (ch[nc] < hmin) hmin = ch[nc];
         if (std::fabs(a) > max_abs) max_abs = std::fabs(a);
         nc++;
     }
@@ -67,9 +72,7 @@ int ratio_dual(TRVlp lp, int dir, double slope, int flipping) {
     double enter_abs = 0.0;
     while (nc > 0) {
         /* the Harris bound of the remaining candidates */
-        double tmax = PR_BIG;
-        for (int k = 0; k < nc; k++)
-            if (ch[k] < tmax) tmax = ch[k];
+        double tmax = hmin;
         if (tmax < 0.0) tmax = 0.0;
         /* the group within the bound, its slope reduction and best pivot */
         double reduce = 0.0;
@@ -92,6 +95,7 @@ int ratio_dual(TRVlp lp, int dir, double slope, int flipping) {
             /* the whole group flips; the walk goes on */
             slope -= reduce;
             int w = 0;
+            hmin = PR_BIG;
             for (int k = 0; k < nc; k++) {
                 if (cr[k] <= tmax) {
                     ds->flip_list[ds->n_flip++] = cj[k];
@@ -100,6 +104,7 @@ int ratio_dual(TRVlp lp, int dir, double slope, int flipping) {
                     ca[w] = ca[k];
                     cr[w] = cr[k];
                     ch[w] = ch[k];
+                    if (ch[w] < hmin) hmin = ch[w];
                     w++;
                 }
             }
