@@ -423,18 +423,20 @@ static int btran_lower(lu_record *f, int nr) {
     double *w = f->sparse_work;
     int *mark = f->mark, *list = f->list;
     for (int q = 0; q < nr; q++) mark[list[q]] = 1;
+    const int *erow = f->eta_row, *eb = f->eta_beg, *ei = f->eta_idx;
+    const double *ev = f->eta_val;
     for (int e = f->eta_count - 1; e >= 0; e--) {
-        int r = f->eta_row[e];
+        int r = erow[e];
         double t = w[r];
         if (t == 0.0) continue;
         w[r] = 0.0;
-        for (int q = f->eta_beg[e]; q < f->eta_beg[e + 1]; q++) {
-            int i = f->eta_idx[q];
+        for (int q = eb[e], end = eb[e + 1]; q < end; q++) {
+            int i = ei[q];
             if (!mark[i]) {
                 mark[i] = 1;
                 list[nr++] = i;
             }
-            w[i] += f->eta_val[q] * t;
+            w[i] += ev[q] * t;
         }
     }
     const double *pinv = f->pivot_inv;
