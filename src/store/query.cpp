@@ -141,6 +141,10 @@ static lp_data *range_frame(TRVenv env, TRVlp lp, const char *fname,
 
 enum { OVER_COLS = 0, OVER_ROWS = 1, OVER_FREEROWS = 2, OVER_RIMS = 3 };
 
+/* The matrix getters check their arrays after the size probe, so the frame
+ * is given this stand-in for the array it would otherwise check. */
+static const char arrays_checked_later = 0;
+
 static int range_done(TRVenv env, int status) {
     if (status != 0) env_report(env, &status);
     return status;
@@ -268,7 +272,7 @@ TRV_EXPORT int TRVgetcols(TRVenv env, TRVlp lp, int *nzcnt_p, int *cmatbeg,
     if (nzcnt_p) *nzcnt_p = 0;
     if (surplus_p) *surplus_p = 0;
     int st;
-    lp_data *d = range_frame(env, lp, "TRVgetcols", &st, begin, end, OVER_COLS, &st);
+    lp_data *d = range_frame(env, lp, "TRVgetcols", &arrays_checked_later, begin, end, OVER_COLS, &st);
     if (d == nullptr || begin > end) return range_done(env, st);
     long total = 0;
     for (int j = begin; j <= end; j++) total += d->matcnt[j];
@@ -302,7 +306,7 @@ TRV_EXPORT int TRVgetrows(TRVenv env, TRVlp lp, int *nzcnt_p, int *rmatbeg,
     if (nzcnt_p) *nzcnt_p = 0;
     if (surplus_p) *surplus_p = 0;
     int st;
-    lp_data *d = range_frame(env, lp, "TRVgetrows", &st, begin, end, OVER_ROWS, &st);
+    lp_data *d = range_frame(env, lp, "TRVgetrows", &arrays_checked_later, begin, end, OVER_ROWS, &st);
     if (d == nullptr || begin > end) return range_done(env, st);
     int nr = end - begin + 1;
     int *cnt = trv_zalloc<int>(nr + 1);
