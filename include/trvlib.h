@@ -821,6 +821,10 @@ TRVAPI int TRVgetdsbcnt(TRVenv env, TRVlp lp);
  * 3 free; row status: 1 basic slack, 0 otherwise, 2 for a ranged row at
  * the upper end of its range. 1262 when no basis is kept. */
 TRVAPI int TRVgetbase(TRVenv env, TRVlp lp, int *cstat, int *rstat);
+/* Sets the basis the next run starts from (with parameter 1001 on), in the
+ * statuses of TRVgetbase; the solution of an earlier run is dropped.
+ * 1253 for a status out of range. */
+TRVAPI int TRVcopybase(TRVenv env, TRVlp lp, const int *cstat, const int *rstat);
 /* 1 when TRVgetbase has a basis to give, else 0. */
 TRVAPI int TRVcangetbase(TRVenv env, TRVlp lp);
 /* Dual steepest-edge norms of the kept basis, 1264 without them: one per

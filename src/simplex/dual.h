@@ -173,6 +173,9 @@ struct start_rec {
 };
 
 int start_save(TRVlp lp, int with_norms);
+/* The caller's statuses (TRVgetbase's form) as the stored start, replacing
+ * any other and dropping the solution; 1253 reported for a bad entry. */
+int start_from_status(TRVenv env, TRVlp lp, const int *cstat, const int *rstat);
 
 /* One run of a driver on the problem as it stands (solve.cpp): the counts
  * of iterations in all and in phase 1 come back. */
