@@ -835,6 +835,15 @@ TRVAPI int TRVgetdnorms(TRVenv env, TRVlp lp, double *norm, int *head,
 /* The basis as TRVgetbase and its norms in the order of TRVgetdnorms. */
 TRVAPI int TRVgetbasednorms(TRVenv env, TRVlp lp, int *cstat, int *rstat,
                             double *dnorm);
+/* B^-1 A_j for column j of the stored basis, in y (one entry per row);
+ * head, when given, gets the basis header: the column basic in each
+ * position, or -i-1 for the slack (or range) of row i, with the slack of a
+ * row taken as rhs - A x. 1262 without a basis, 1256 when it is singular. */
+TRVAPI int TRVgetgrad(TRVenv env, TRVlp lp, int j, int *head, double *y);
+/* The row (*idiv_p) or column (*jdiv_p) that proved the last run
+ * infeasible or unbounded; the other is -1, and both are -1 after any other
+ * end. 1217 without a solution. */
+TRVAPI int TRVgetijdiv(TRVenv env, TRVlp lp, int *idiv_p, int *jdiv_p);
 /* The method that produced the solution (1 primal simplex); 0 with none. */
 TRVAPI int TRVgetmethod(TRVenv env, TRVlp lp);
 

@@ -94,8 +94,13 @@ static int stored_status(const start_rec *sr, const simplex_lp *s, int j) {
 }
 
 int start_load(TRVenv env, TRVlp lp) {
+    if (par_int(env, 1001) == 0) return 0;
+    return start_apply(lp);
+}
+
+int start_apply(TRVlp lp) {
     start_rec *sr = lp->start;
-    if (sr == nullptr || lp->solver == nullptr || par_int(env, 1001) == 0) return 0;
+    if (sr == nullptr || lp->solver == nullptr) return 0;
     const simplex_lp *s = &lp->solver->splp;
     simplex_iter *it = &lp->solver->it;
     int m = s->m;

@@ -185,6 +185,8 @@ int solve_simplex(TRVenv env, TRVlp lp, int method, solve_run_fn run);
 /* Loads the stored basis into the working LP; 1 when loaded, 0 when there
  * is none that fits. */
 int start_load(TRVenv env, TRVlp lp);
+/* The same whatever parameter 1001 says. */
+int start_apply(TRVlp lp);
 /* Norms of the stored basis by position into it->dweight; the count of
  * positions left without a norm (0 weight). */
 int start_norms(TRVlp lp);

@@ -242,6 +242,10 @@ struct soln_rec {
     double objval;
     double *x, *pi, *slack, *dj;
     int itcnt, phase1cnt;
+    /* the variable that proved the run's end: the entering column of an
+     * unbounded ray, the row or column whose infeasibility stood; the
+     * row in idiv, the column in jdiv, -1 in both when there is none */
+    int idiv, jdiv;
 };
 
 int solution_store(TRVenv env, TRVlp lp, int method, int itcnt, int phase1cnt);

@@ -5,7 +5,7 @@
  */
 #include <cstring>
 
-#include "simplex/primal.h"
+#include "simplex/dual.h"
 
 void solution_free(TRVlp lp) {
     soln_rec *sr = lp->soln;
@@ -15,6 +15,37 @@ void solution_free(TRVlp lp) {
     trv_free(&sr->slack);
     trv_free(&sr->dj);
     trv_free(&lp->soln);
+}
+
+/* The basic variable the farthest outside its bounds, or -1. */
+static int worst_infeasible(const simplex_lp *s, const simplex_iter *it) {
+    int best = -1;
+    double worst = 0.0;
+    for (int p = 0; p < s->m; p++) {
+        int j = it->head[p];
+        double v = it->x[j], e = 0.0;
+        if (s->has_lower[j] && v < s->lower[j]) e = s->lower[j] - v;
+        if (s->has_upper[j] && v > s->upper[j]) e = v - s->upper[j];
+        if (e > worst) worst = e, best = j;
+    }
+    return best;
+}
+
+/* The variable behind an unbounded or infeasible end, in the caller's
+ * terms: a structural column in jdiv, a row (its slack, artificial or
+ * range column) in idiv. */
+static void solution_divergence(TRVlp lp, soln_rec *sr) {
+    const simplex_lp *s = &lp->solver->splp;
+    int j = -1;
+    if (lp->stat == LPS_UNBOUNDED && lp->primal != nullptr) j = lp->primal->log.entered;
+    if (lp->stat == LPS_INFEASIBLE) {
+        if (lp->dual != nullptr && lp->dual->status == LPS_INFEASIBLE) j = lp->dual->log.left;
+        else j = worst_infeasible(s, &lp->solver->it);
+    }
+    sr->idiv = sr->jdiv = -1;
+    if (j < 0 || j >= s->ncoltot) return;
+    if (j < s->n) sr->jdiv = j;
+    else sr->idiv = s->row_of_var[j];
 }
 
 /* Takes the figures of the working LP back to the caller's model. */
@@ -57,6 +88,7 @@ int solution_store(TRVenv env, TRVlp lp, int method, int itcnt, int phase1cnt) {
         if (rs) sr->slack[i] *= rs[i];
     }
     sr->objval = z;
+    solution_divergence(lp, sr);
     return 0;
 }
 
@@ -177,6 +209,19 @@ TRV_EXPORT int TRVgetax(TRVenv env, TRVlp lp, double *ax, int begin, int end) {
             ax[i - begin] += a * xj;
         }
     }
+    return 0;
+}
+
+/* The row or column that proved an infeasible or unbounded end: one of
+ * the two is set, the other -1; both -1 after any other end. */
+TRV_EXPORT int TRVgetijdiv(TRVenv env, TRVlp lp, int *idiv_p, int *jdiv_p) {
+    int status = 0;
+    soln_rec *sr = soln_frame(env, lp, &status);
+    if (status == 1002) return status;
+    if (status == 0 && (idiv_p == nullptr || jdiv_p == nullptr)) status = 1004;
+    if (status != 0) return soln_done(env, status);
+    *idiv_p = sr->idiv;
+    *jdiv_p = sr->jdiv;
     return 0;
 }
 
