@@ -150,6 +150,9 @@ const char *env_conname(TRVenv env, char **names, int count, int index);
 /* ---- parameter access for the library's own code ------------------------ */
 
 int par_int(TRVenv env, int num);
+/* Sets an integer parameter for the library's own use, unchecked, and
+ * returns the value it had: a run that overrides one puts it back. */
+int par_swap_int(TRVenv env, int num, int value);
 double par_dbl(TRVenv env, int num);
 const char *par_str(TRVenv env);
 void par_fill_tables(TRVenv env);

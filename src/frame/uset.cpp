@@ -282,6 +282,13 @@ int par_int(TRVenv env, int num) {
     return env->cur[a / 256]->v[a % 256].i;
 }
 
+int par_swap_int(TRVenv env, int num, int value) {
+    int a = par_idx().at[num - PAR_LO];
+    int old = env->cur[a / 256]->v[a % 256].i;
+    env->cur[a / 256]->v[a % 256].i = value;
+    return old;
+}
+
 double par_dbl(TRVenv env, int num) {
     int a = par_idx().at[num - PAR_LO];
     return env->cur[a / 256]->v[a % 256].d;

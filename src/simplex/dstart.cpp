@@ -94,7 +94,9 @@ static int stored_status(const start_rec *sr, const simplex_lp *s, int j) {
 }
 
 int start_load(TRVenv env, TRVlp lp) {
-    if (par_int(env, 1001) == 0) return 0;
+    if (lp->start == nullptr) return 0;
+    if (par_int(env, 1001) == 0 && !lp->start->forced) return 0;
+    lp->start->forced = 0;
     return start_apply(lp);
 }
 

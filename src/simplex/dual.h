@@ -170,6 +170,7 @@ struct start_rec {
     signed char *gstat;     /* status of each row's range column, or -1 */
     double *cnorm, *rnorm, *gnorm; /* dual norms of the basic ones, 0 if none */
     int has_norms;
+    int forced; /* loaded by the next run whatever parameter 1001 says */
 };
 
 int start_save(TRVlp lp, int with_norms);

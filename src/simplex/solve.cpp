@@ -38,10 +38,96 @@ static int prim_run(TRVenv env, TRVlp lp, double start, int *itcnt, int *ph1) {
     return status;
 }
 
+/* The largest bound violation and the largest dual infeasibility of the
+ * run's final point, in the caller's units: a working value times f is the
+ * caller's value, a working reduced cost divided by f the caller's. */
+static void solve_measure(const TRVlp lp, double *pinf, double *dinf) {
+    const lp_data *d = lp->lpdata;
+    const simplex_lp *s = &lp->solver->splp;
+    const simplex_iter *it = &lp->solver->it;
+    const double *cs = d->colscale, *rs = d->rowscale;
+    double pw = 0.0, dw = 0.0;
+    for (int j = 0; j < s->ntotal; j++) {
+        double f = 1.0;
+        if (cs != nullptr) f = j < s->n ? 1.0 / cs[j] : rs[s->row_of_var[j]];
+        double x = it->x[j], v = 0.0;
+        if (s->has_lower[j] && x < s->lower[j]) v = s->lower[j] - x;
+        if (s->has_upper[j] && x > s->upper[j]) v = x - s->upper[j];
+        if (v * f > pw) pw = v * f;
+        int st = it->status[j];
+        if (st == 1 || it->d == nullptr) continue;
+        if (s->has_lower[j] && s->has_upper[j] && s->lower[j] >= s->upper[j]) continue;
+        double dj = it->d[j], e = 0.0;
+        if (st == 0) e = -dj;
+        else if (st == 2) e = dj;
+        else if (st == 3) e = dj < 0.0 ? -dj : dj;
+        if (e / f > dw) dw = e / f;
+    }
+    *pinf = pw;
+    *dinf = dw;
+}
+
+/* An optimum that fails the tolerances in the caller's units is not yet a
+ * solution of the caller's problem. */
+static bool solve_valid(TRVenv env, TRVlp lp) {
+    if (lp->stat != LPS_OPTIMAL) return lp->stat != LPS_OPT_UNSCALED;
+    double pinf, dinf;
+    solve_measure(lp, &pinf, &dinf);
+    return pinf <= par_dbl(env, 1016) && dinf <= par_dbl(env, 1014);
+}
+
+/* The clean-up run: the driver once more on the problem itself, unscaled,
+ * from the basis the first run returned. When the clean-up cannot finish,
+ * the first run's solution stands with status 11. */
+static int solve_cleanup(TRVenv env, TRVlp lp, int method, solve_run_fn run, double start,
+                         int *itcnt, int *ph1) {
+    /* the norms belong to the scaled copy: the clean-up prices afresh */
+    int status = start_save(lp, 0);
+    if (status != 0) return status;
+    lp->start->forced = 1;
+    soln_rec *first = lp->soln;
+    lp->soln = nullptr;
+    run_release(lp);
+    if (lp->lpdata->colscale != nullptr) {
+        lp_unscale(env, lp);
+        lp->lpdata->scaletype = -1;
+    }
+    /* a clean-up that does not finish soon will not finish better: it may
+     * take a twentieth more than the iterations so far, within 1020 */
+    int limit = par_int(env, 1020);
+    int own = *itcnt + *itcnt / 20 + 100;
+    int it2 = 0, p2 = 0;
+    int saved = par_swap_int(env, 1020, own < limit ? own : limit);
+    status = run(env, lp, start, &it2, &p2);
+    par_swap_int(env, 1020, saved);
+    *itcnt += it2;
+    *ph1 += p2;
+    if (status == 0 && (lp->stat == LPS_OPTIMAL || lp->stat == LPS_OPT_UNSCALED)) {
+        if (!solve_valid(env, lp)) lp->stat = LPS_OPT_UNSCALED;
+        status = solution_store(env, lp, method, *itcnt, *ph1);
+        if (status == 0) {
+            soln_rec *keep = lp->soln;
+            lp->soln = first;
+            solution_free(lp);
+            lp->soln = keep;
+            start_save(lp, method == 2);
+            return 0;
+        }
+    }
+    /* the first run's solution and basis stand */
+    solution_free(lp);
+    lp->soln = first;
+    lp->soln->itcnt = *itcnt;
+    lp->soln->phase1cnt = *ph1;
+    lp->stat = LPS_OPT_UNSCALED;
+    if (lp->start != nullptr) lp->start->forced = 0;
+    return status == 1001 ? 1001 : 0;
+}
+
 /* The procedure around a simplex driver, the same for both: checks,
- * scaling, the run, a rescue without scaling when the scaled optimum fails
- * in the caller's units, the solution record, and the final basis kept for
- * a later warm start (the dual keeps its norms with it). */
+ * scaling, the run, the clean-up run when its optimum fails in the caller's
+ * units, the solution record, and the final basis kept for a later warm
+ * start (the dual keeps its norms with it). */
 int solve_simplex(TRVenv env, TRVlp lp, int method, solve_run_fn run) {
     if (!env_valid(env)) return 1002;
     int status = solve_check(env, lp);
@@ -55,8 +141,9 @@ int solve_simplex(TRVenv env, TRVlp lp, int method, solve_run_fn run) {
     lp->stat = 0;
 
     /* Presolve goes here: the reduced problem would be solved in place of
-     * lp and its solution carried back afterwards. For now the driver works
-     * on the problem itself. */
+     * lp, its solution carried back by postsolve, and a solution that is
+     * not valid for the original problem cleaned up below. For now the
+     * driver works on the problem itself. */
 
     int scale_status = lp_scale(env, lp, par_int(env, 1034));
     if (scale_status != 0) {
@@ -65,19 +152,15 @@ int solve_simplex(TRVenv env, TRVlp lp, int method, solve_run_fn run) {
     }
     int itcnt = 0, ph1 = 0;
     status = run(env, lp, start, &itcnt, &ph1);
-    if (status == 0 && lp->stat == LPS_OPT_UNSCALED && lp->lpdata->colscale != nullptr) {
-        run_release(lp);
-        lp_unscale(env, lp);
-        lp->lpdata->scaletype = -1;
-        int it2 = 0, ph2 = 0;
-        status = run(env, lp, start, &it2, &ph2);
-        itcnt += it2;
-        ph1 += ph2;
-    }
+    bool clean = status == 0 && solve_valid(env, lp);
     if (status == 0) status = solution_store(env, lp, method, itcnt, ph1);
+    if (status == 0 && !clean) status = solve_cleanup(env, lp, method, run, start, &itcnt, &ph1);
+    else if (status == 0) start_save(lp, method == 2);
     /* without memory for the basis the next run starts cold */
-    if (status == 0) start_save(lp, method == 2);
-    if (status != 0) lp->stat = 0;
+    if (status != 0) {
+        solution_free(lp);
+        lp->stat = 0;
+    }
     run_release(lp);
     if (status != 0) env_report(env, &status);
     return status;
