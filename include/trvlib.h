@@ -554,6 +554,21 @@ TRVAPI int TRVreadcopyprob(TRVenv env, TRVlp lp, const char *filename,
 TRVAPI int TRVwriteprob(TRVenv env, TRVlp lp, const char *filename,
                         const char *filetype);
 
+/* Basis files (BAS), in the statuses of TRVgetbase. TRVmbasewrite writes
+ * the kept basis (1262 without one); a problem without names gets the
+ * default names x1.., c1... TRVmbaseread reads a file against the given
+ * names (a null array stands for the default names) into cstat and rstat,
+ * every nonbasic row as 0; TRVreadcopybase reads against the problem's
+ * names and makes the basis the start of the next run, as TRVcopybase.
+ * Both readers try the name with ".bas" added when the name as given
+ * does not open, and change nothing unless the whole file was read.
+ * Names ending in .gz or .Z go through gzip. */
+TRVAPI int TRVmbasewrite(TRVenv env, TRVlp lp, const char *filename);
+TRVAPI int TRVmbaseread(TRVenv env, const char *filename, int numcols,
+                        int numrows, char **colname, char **rowname,
+                        int *cstat, int *rstat);
+TRVAPI int TRVreadcopybase(TRVenv env, TRVlp lp, const char *filename);
+
 /* The readers hand out arrays that the caller frees with TRVfree. A null
  * out-pointer declines an optional array; the counts, objsen, the
  * objective, rhs, sense, matrix and bounds are required. The file name of

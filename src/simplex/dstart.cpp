@@ -26,6 +26,42 @@ void start_free(TRVlp lp) {
 /* The variable standing for row i: its slack, or its artificial. */
 static int row_var(const simplex_lp *s, int i) { return s->slack_of_row[i]; }
 
+void start_fill(const simplex_lp *s, const simplex_iter *it, signed char *cstat,
+                signed char *rstat, signed char *gstat) {
+    for (int j = 0; j < s->n; j++) cstat[j] = it->status[j];
+    for (int i = 0; i < s->m; i++) {
+        int j = row_var(s, i);
+        rstat[i] = it->status[j];
+        /* an artificial of a row with a slack counts as that row's */
+        if (j != s->ntotal + i && it->status[s->ntotal + i] == 1) rstat[i] = 1;
+        gstat[i] = -1;
+    }
+    for (int j = s->n; j < s->nstruct; j++) {
+        int i = s->row_of_var[j];
+        if (i >= 0) gstat[i] = it->status[j];
+    }
+}
+
+int start_working(TRVlp lp, int *cstat, int *rstat) {
+    const simplex_lp *s = &lp->solver->splp;
+    start_rec sr{};
+    sr.ncols = s->n;
+    sr.nrows = s->m;
+    sr.cstat = trv_alloc<signed char>(s->n);
+    sr.rstat = trv_alloc<signed char>(s->m);
+    sr.gstat = trv_alloc<signed char>(s->m);
+    int status = 1001;
+    if (sr.cstat && sr.rstat && sr.gstat) {
+        start_fill(s, &lp->solver->it, sr.cstat, sr.rstat, sr.gstat);
+        start_statuses(&sr, lp->lpdata, cstat, rstat);
+        status = 0;
+    }
+    trv_free(&sr.cstat);
+    trv_free(&sr.rstat);
+    trv_free(&sr.gstat);
+    return status;
+}
+
 int start_save(TRVlp lp, int with_norms) {
     if (lp->solver == nullptr) return 0;
     const simplex_lp *s = &lp->solver->splp;
@@ -47,18 +83,7 @@ int start_save(TRVlp lp, int with_norms) {
         start_free(lp);
         return 1001;
     }
-    for (int j = 0; j < n; j++) sr->cstat[j] = it->status[j];
-    for (int i = 0; i < m; i++) {
-        int j = row_var(s, i);
-        sr->rstat[i] = it->status[j];
-        /* an artificial of a row with a slack counts as that row's */
-        if (j != s->ntotal + i && it->status[s->ntotal + i] == 1) sr->rstat[i] = 1;
-        sr->gstat[i] = -1;
-    }
-    for (int j = n; j < s->nstruct; j++) {
-        int i = s->row_of_var[j];
-        if (i >= 0) sr->gstat[i] = it->status[j];
-    }
+    start_fill(s, it, sr->cstat, sr->rstat, sr->gstat);
     sr->has_norms = with_norms && it->dweight != nullptr && lp->dual != nullptr &&
                     lp->dual->pricing != DPR_PLAIN && lp->dual->pricing != DPR_SWITCH;
     if (sr->has_norms) {

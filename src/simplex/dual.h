@@ -174,6 +174,21 @@ struct start_rec {
 };
 
 int start_save(TRVlp lp, int with_norms);
+/* The working basis of a run in the record's terms: a status per
+ * structural column, per row for its slack or artificial (an artificial
+ * of a row with a slack counts as the row's), per row for its range
+ * column or -1. */
+void start_fill(const simplex_lp *s, const simplex_iter *it, signed char *cstat,
+                signed char *rstat, signed char *gstat);
+/* A record in TRVgetbase's statuses (getbase.cpp); a null array is
+ * skipped. */
+void start_statuses(const start_rec *sr, const lp_data *d, int *cstat, int *rstat);
+/* The stored basis in TRVgetbase's statuses; 1262 (not reported) when
+ * none fits the model. */
+int start_get(TRVlp lp, int *cstat, int *rstat);
+/* The working basis of the running driver in TRVgetbase's statuses, as
+ * start_save would store it; 0 or 1001 (not reported). */
+int start_working(TRVlp lp, int *cstat, int *rstat);
 /* The caller's statuses (TRVgetbase's form) as the stored start, replacing
  * any other and dropping the solution; 1253 reported for a bad entry. */
 int start_from_status(TRVenv env, TRVlp lp, const int *cstat, const int *rstat);

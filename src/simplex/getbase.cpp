@@ -61,17 +61,24 @@ static int base_done(TRVenv env, int status) {
     return status;
 }
 
-static void fill_statuses(const start_rec *sr, const lp_data *d, int *cstat, int *rstat) {
+void start_statuses(const start_rec *sr, const lp_data *d, int *cstat, int *rstat) {
     if (cstat)
         for (int j = 0; j < d->ncols; j++) cstat[j] = column_status(sr, d, j);
     if (rstat)
         for (int i = 0; i < d->nrows; i++) rstat[i] = row_status(sr, d, i);
 }
 
+int start_get(TRVlp lp, int *cstat, int *rstat) {
+    const start_rec *sr = fitting_start(lp);
+    if (sr == nullptr) return 1262;
+    start_statuses(sr, lp->lpdata, cstat, rstat);
+    return 0;
+}
+
 TRV_EXPORT int TRVgetbase(TRVenv env, TRVlp lp, int *cstat, int *rstat) {
     int status;
     const start_rec *sr = base_frame(env, lp, &status);
-    if (sr != nullptr) fill_statuses(sr, lp->lpdata, cstat, rstat);
+    if (sr != nullptr) start_statuses(sr, lp->lpdata, cstat, rstat);
     return base_done(env, status);
 }
 
@@ -136,7 +143,7 @@ TRV_EXPORT int TRVgetbasednorms(TRVenv env, TRVlp lp, int *cstat, int *rstat,
     int status = norms_frame(env, lp, &sr);
     if (status == 0 && (cstat == nullptr || rstat == nullptr || dnorm == nullptr)) status = 1004;
     if (status != 0) return base_done(env, status);
-    fill_statuses(sr, lp->lpdata, cstat, rstat);
+    start_statuses(sr, lp->lpdata, cstat, rstat);
     basic_list(sr, lp->lpdata, nullptr, dnorm);
     return 0;
 }

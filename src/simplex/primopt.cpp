@@ -8,6 +8,7 @@
  */
 #include <cmath>
 
+#include "formats/bas.h"
 #include "frame/callback.h"
 #include "simplex/dual.h"
 
@@ -167,6 +168,7 @@ static int main_loop(TRVenv env, TRVlp lp) {
         st = objective_limit(env, lp);
         if (st != 0) return st;
         if (ps->status != 0) break;
+        bas_periodic(env, lp, it->n_it);
         elapsed_print(env, lp);
         st = progress_check(env, lp);
         if (st != 0) return st;

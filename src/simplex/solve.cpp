@@ -4,6 +4,7 @@
  * hand-over of the solution and the final basis to the problem record;
  * the exported entry of the primal simplex.
  */
+#include "formats/bas.h"
 #include "simplex/dual.h"
 
 int lp_scale(TRVenv env, TRVlp lp, int want);
@@ -124,6 +125,17 @@ static int solve_cleanup(TRVenv env, TRVlp lp, int method, solve_run_fn run, dou
     return status == 1001 ? 1001 : 0;
 }
 
+/* The restart of parameter 1041 (with presolve, 1030, on): the recovery
+ * file of an earlier run becomes the stored basis, which the run starts
+ * from when parameter 1001 is set. A missing or bad file leaves the
+ * problem as it was. */
+static void solve_restart(TRVenv env, TRVlp lp) {
+    if (par_int(env, 1030) == 0 || par_int(env, 1041) != 1) return;
+    int status = bas_recoverload(env, lp);
+    TRVmsg(env->reschannel, status == 0 ? "Load of restart from file succeeded.\n"
+                                        : "Load of restart from file failed.\n");
+}
+
 /* The procedure around a simplex driver, the same for both: checks,
  * scaling, the run, the clean-up run when its optimum fails in the caller's
  * units, the solution record, and the final basis kept for a later warm
@@ -140,6 +152,7 @@ int solve_simplex(TRVenv env, TRVlp lp, int method, solve_run_fn run) {
     run_release(lp);
     lp->stat = 0;
 
+    solve_restart(env, lp);
     /* Presolve goes here: the reduced problem would be solved in place of
      * lp, its solution carried back by postsolve, and a solution that is
      * not valid for the original problem cleaned up below. For now the
