@@ -859,6 +859,36 @@ TRVAPI int TRVgetgrad(TRVenv env, TRVlp lp, int j, int *head, double *y);
  * infeasible or unbounded; the other is -1, and both are -1 after any other
  * end. 1217 without a solution. */
 TRVAPI int TRVgetijdiv(TRVenv env, TRVlp lp, int *idiv_p, int *jdiv_p);
+/* Sets the dual norms of the kept basis (1262 without one), in the form of
+ * TRVgetdnorms: len must be the number of rows (1207 short, 1208 long),
+ * each head entry basic in the kept basis (1251), each norm positive and
+ * finite (1003). A basic variable left out gets its norm computed at the
+ * start of the next dual run. */
+TRVAPI int TRVcopydnorms(TRVenv env, TRVlp lp, const double *norm,
+                         const int *head, int len);
+/* TRVcopybase, then the dual norms of its basic variables in the order of
+ * TRVgetdnorms (positive and finite: 1003, checked before the basis). */
+TRVAPI int TRVcopybasednorms(TRVenv env, TRVlp lp, const int *cstat,
+                             const int *rstat, const double *dnorm);
+/* Drops the dual norms of the kept basis; 1009 for a bad handle, silent. */
+TRVAPI int TRVkilldnorms(TRVlp lp);
+/* Primal steepest-edge weights of the kept basis, 1264 without them, as a
+ * primal run with pricing 2 or 3 of parameter 1029 left them or
+ * TRVcopypnorms set them: one per column in cnorm and one per row in rnorm
+ * (the weight of the row's slack or range column, 1 for an equality row);
+ * basic variables have 1. *len_p receives the number of columns. The
+ * weights are those of the optimiser's working form, scaled when the model
+ * is, as the dual norms are. */
+TRVAPI int TRVgetpnorms(TRVenv env, TRVlp lp, double *cnorm, double *rnorm,
+                        int *len_p);
+/* Sets the primal weights of the kept basis (1262 without one), in the
+ * form of TRVgetpnorms: len must be the number of columns (1207 short,
+ * 1208 long), each value positive and finite (1003). */
+TRVAPI int TRVcopypnorms(TRVenv env, TRVlp lp, const double *cnorm,
+                         const double *rnorm, int len);
+/* Drops the primal weights of the kept basis; 1009 for a bad handle,
+ * silent. */
+TRVAPI int TRVkillpnorms(TRVlp lp);
 /* The method that produced the solution (1 primal simplex); 0 with none. */
 TRVAPI int TRVgetmethod(TRVenv env, TRVlp lp);
 

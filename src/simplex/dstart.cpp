@@ -20,7 +20,16 @@ void start_free(TRVlp lp) {
     trv_free(&sr->cnorm);
     trv_free(&sr->rnorm);
     trv_free(&sr->gnorm);
+    start_pnorms_free(sr);
     trv_free(&lp->start);
+}
+
+void start_drop_norms(TRVlp lp, int free_them) {
+    start_rec *sr = lp->start;
+    if (sr == nullptr) return;
+    sr->has_norms = 0;
+    sr->has_pnorms = 0;
+    if (free_them) start_pnorms_free(sr);
 }
 
 /* The variable standing for row i: its slack, or its artificial. */
@@ -94,6 +103,7 @@ int start_save(TRVlp lp, int with_norms) {
             else sr->rnorm[s->row_of_var[j]] = it->dweight[p];
         }
     }
+    if (with_norms) start_pnorms_save(lp);
     return 0;
 }
 
@@ -108,9 +118,7 @@ static int fit_status(const simplex_lp *s, int j, int st) {
     return 2;
 }
 
-/* The stored status of working variable j, or -1 when the record has none
- * (a column or row added since). */
-static int stored_status(const start_rec *sr, const simplex_lp *s, int j) {
+int start_status(const start_rec *sr, const simplex_lp *s, int j) {
     if (j < s->n) return j < sr->ncols ? sr->cstat[j] : -1;
     int i = s->row_of_var[j];
     if (i < 0 || i >= sr->nrows) return -1;
@@ -134,7 +142,7 @@ int start_apply(TRVlp lp) {
     if (sr->ncols > s->n || sr->nrows > m) return 0;
     int nb = 0;
     for (int j = 0; j < s->ncoltot; j++) {
-        int st = stored_status(sr, s, j);
+        int st = start_status(sr, s, j);
         /* a row added since the save enters with its slack basic */
         if (st < 0 && j >= s->ntotal) st = 0;
         if (st < 0 && j >= s->nstruct && j == row_var(s, s->row_of_var[j])) st = 1;
@@ -159,6 +167,48 @@ int start_apply(TRVlp lp) {
         else if (it->status[j] == 3) it->x[j] = 0.0;
     }
     return 1;
+}
+
+/* A copy of the first keep entries of old in an array of len, the rest
+ * set to fill; null without memory. */
+template <typename T> static T *grown(const T *old, int keep, int len, T fill) {
+    T *a = trv_alloc<T>(len);
+    if (a == nullptr) return nullptr;
+    for (int k = 0; k < len; k++) a[k] = k < keep ? old[k] : fill;
+    return a;
+}
+
+/* The status a column added since the save enters with: at a finite
+ * bound, else free. */
+static signed char entering_status(const lp_data *d, int j) {
+    if (d->lb[j] > -TRV_INF) return 0;
+    return d->ub[j] < TRV_INF ? 2 : 3;
+}
+
+int start_grow(TRVlp lp) {
+    start_rec *sr = lp->start;
+    const lp_data *d = lp->lpdata;
+    int n = d->ncols, m = d->nrows, n0 = sr->ncols, m0 = sr->nrows;
+    if (n0 == n && m0 == m) return 0;
+    /* new rows enter with their slacks basic */
+    signed char *cs = grown<signed char>(sr->cstat, n0, n, 0);
+    signed char *rs = grown<signed char>(sr->rstat, m0, m, 1);
+    signed char *gs = grown<signed char>(sr->gstat, m0, m, -1);
+    double *cn = grown(sr->cnorm, n0, n, 0.0), *rn = grown(sr->rnorm, m0, m, 0.0);
+    double *gn = grown(sr->gnorm, m0, m, 0.0);
+    if (!cs || !rs || !gs || !cn || !rn || !gn) {
+        trv_free(&cs), trv_free(&rs), trv_free(&gs);
+        trv_free(&cn), trv_free(&rn), trv_free(&gn);
+        return 1001;
+    }
+    for (int j = n0; j < n; j++) cs[j] = entering_status(d, j);
+    trv_free(&sr->cstat), trv_free(&sr->rstat), trv_free(&sr->gstat);
+    trv_free(&sr->cnorm), trv_free(&sr->rnorm), trv_free(&sr->gnorm);
+    sr->cstat = cs, sr->rstat = rs, sr->gstat = gs;
+    sr->cnorm = cn, sr->rnorm = rn, sr->gnorm = gn;
+    sr->ncols = n, sr->nrows = m;
+    start_drop_norms(lp, 1);
+    return 0;
 }
 
 int start_norms(TRVlp lp) {

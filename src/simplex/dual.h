@@ -169,10 +169,17 @@ struct start_rec {
     signed char *rstat;     /* status of each row's slack or artificial */
     signed char *gstat;     /* status of each row's range column, or -1 */
     double *cnorm, *rnorm, *gnorm; /* dual norms of the basic ones, 0 if none */
-    int has_norms;
+    int has_norms;          /* the dual norms are valid */
+    /* primal steepest-edge weights: one per structural column and one per
+     * row for its slack or range column (1 for a row with neither); null
+     * until a primal run or the caller sets them */
+    double *pcnorm, *prnorm;
+    int has_pnorms;         /* the primal weights are valid */
     int forced; /* loaded by the next run whatever parameter 1001 says */
 };
 
+/* Keeps the working basis of the run on the problem; with_norms keeps the
+ * run's pricing norms with it (dual norms, primal weights) where final. */
 int start_save(TRVlp lp, int with_norms);
 /* The working basis of a run in the record's terms: a status per
  * structural column, per row for its slack or artificial (an artificial
@@ -207,5 +214,28 @@ int start_apply(TRVlp lp);
  * positions left without a norm (0 weight). */
 int start_norms(TRVlp lp);
 void start_free(TRVlp lp);
+/* The stored status of working variable j, or -1 when the record has none
+ * (a column or row added since). */
+int start_status(const start_rec *sr, const simplex_lp *s, int j);
+/* Grows the stored basis to the model's size, the columns and rows added
+ * since entering as the next run would take them; the norms of a basis
+ * that grows are dropped. 0 or 1001. */
+int start_grow(TRVlp lp);
+/* The norms kept with the stored basis made stale (free_them 0: the
+ * memory stays for the next save) or released. */
+void start_drop_norms(TRVlp lp, int free_them);
+
+/* ---- primal weights kept with the stored basis (pstart.cpp) --------------- */
+
+void start_pnorms_free(start_rec *sr);
+/* Both arrays of the record, allocated on first use; 0 or 1001. */
+int start_pnorms_alloc(start_rec *sr);
+/* The weights of a finished primal run with steepest-edge pricing onto
+ * the stored basis; nothing when another pricing or a dual run after it
+ * owns the basis, or without memory. */
+void start_pnorms_save(TRVlp lp);
+/* The stored weight of working variable j, 0 when there is none: a
+ * variable basic in the stored basis or added since. */
+double start_pnorm(const start_rec *sr, const simplex_lp *s, int j);
 
 #endif

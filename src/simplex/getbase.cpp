@@ -1,6 +1,6 @@
 /*
  * getbase.cpp - the stored basis of the last run read back in the caller's
- * terms, with the dual norms of its basic variables.
+ * terms, with the dual norms of its basic variables and the primal norms.
  *
  * Column status: 0 nonbasic at lower bound, 1 basic, 2 nonbasic at upper
  * bound, 3 nonbasic free. Row status: 1 when the row's slack (or, for a
@@ -145,5 +145,22 @@ TRV_EXPORT int TRVgetbasednorms(TRVenv env, TRVlp lp, int *cstat, int *rstat,
     if (status != 0) return base_done(env, status);
     start_statuses(sr, lp->lpdata, cstat, rstat);
     basic_list(sr, lp->lpdata, nullptr, dnorm);
+    return 0;
+}
+
+/* Primal norms exist for a basis that a primal run with steepest-edge
+ * pricing left or that the caller gave them, while the model has the
+ * basis's size. */
+TRV_EXPORT int TRVgetpnorms(TRVenv env, TRVlp lp, double *cnorm, double *rnorm, int *len_p) {
+    int status;
+    const start_rec *sr = base_frame(env, lp, &status);
+    if (sr == nullptr) return base_done(env, status);
+    const lp_data *d = lp->lpdata;
+    if (!sr->has_pnorms || sr->ncols != d->ncols || sr->nrows != d->nrows) status = 1264;
+    else if (cnorm == nullptr || rnorm == nullptr || len_p == nullptr) status = 1004;
+    if (status != 0) return base_done(env, status);
+    std::memcpy(cnorm, sr->pcnorm, sizeof(double) * sr->ncols);
+    std::memcpy(rnorm, sr->prnorm, sizeof(double) * sr->nrows);
+    *len_p = sr->ncols;
     return 0;
 }

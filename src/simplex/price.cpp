@@ -9,7 +9,7 @@
 #include <cmath>
 #include <cstring>
 
-#include "simplex/primal.h"
+#include "simplex/dual.h"
 
 /* Attractiveness: negative when moving the variable improves. */
 double primal_attract(const simplex_iter *it, int j, double d) {
@@ -306,6 +306,9 @@ static void steep_pivot(TRVlp lp, int p, int r, int q, double alpha_p) {
     double nrm = 1.0;
     for (int k = 0; k < a->nz; k++) nrm += a->val[a->idx[k]] * a->val[a->idx[k]];
     double v = nrm / (alpha_p * alpha_p);
+    /* the entering weight is the one checked for free against its exact
+     * value; a miss tells that the updates have drifted */
+    if (w[q] > 2.0 * nrm || nrm > 2.0 * w[q]) ps->steep_miss++;
     /* tau = B^-T alpha */
     sparse_vec *t = &ps->tau;
     sv_clear(t);
@@ -342,46 +345,101 @@ void primal_price_pivot(TRVlp lp, int p, int leaving, int entering, double alpha
         steep_pivot(lp, p, leaving, entering, alpha_p);
 }
 
-/* Steepest-edge weights: 1 + |B^-1 a_j|^2, exactly (mode 2) or from the
- * column norms (mode 3, or a basis of slacks). */
+/* ---- the start of the steepest-edge weights ---------------------------------- */
+
+/* 1 + |a_j|^2: the weight of column j in a basis of slacks. */
+static double cheap_weight(const simplex_lp *s, int j) {
+    double v = 1.0;
+    for (int k = s->col_beg[j]; k < s->col_end[j]; k++) v += s->val[k] * s->val[k];
+    return v;
+}
+
+/* 1 + |B^-1 a_j|^2 by a forward solve. */
+static double exact_weight(TRVlp lp, int j) {
+    const simplex_lp *s = &lp->solver->splp;
+    primal_state *ps = lp->primal;
+    sparse_vec *c = &ps->col, *t = &ps->tau;
+    sv_clear(c);
+    c->nz = 0;
+    for (int k = s->col_beg[j]; k < s->col_end[j]; k++) {
+        c->val[s->row_idx[k]] = s->val[k];
+        c->idx[c->nz++] = s->row_idx[k];
+    }
+    lu_ftran_nospike(lp->factor, t, c);
+    if (t->nz < 0) sv_from_dense(t);
+    double v = 1.0;
+    for (int k = 0; k < t->nz; k++) v += t->val[t->idx[k]] * t->val[t->idx[k]];
+    sv_clear(t);
+    sv_clear(c);
+    return v;
+}
+
+/* The clock of an exact start: once the run's time limit has passed the
+ * start goes on cheaply and the run ends through its limit path. */
+static bool norms_out_of_time(TRVenv env, primal_state *ps) {
+    if (ps->time_limit >= 1e74 || env_time(env) - ps->start_time < ps->time_limit) return false;
+    ps->abort = 2;
+    return true;
+}
+
+static bool priced(const simplex_lp *s, const simplex_iter *it, int j) {
+    return j < s->ntotal && it->status[j] != 1;
+}
+
+/* The weights kept with the stored basis, those missing computed exactly;
+ * the count computed. */
+static int stored_weights(TRVenv env, TRVlp lp) {
+    const simplex_lp *s = &lp->solver->splp;
+    simplex_iter *it = &lp->solver->it;
+    bool cheap = false;
+    int computed = 0;
+    for (int j = 0; j < s->ncoltot; j++) {
+        double w = priced(s, it, j) ? start_pnorm(lp->start, s, j) : 1.0;
+        if (!(w > 0.0)) {
+            w = cheap ? cheap_weight(s, j) : exact_weight(lp, j);
+            cheap = cheap || norms_out_of_time(env, lp->primal);
+            computed++;
+        }
+        it->pweight[j] = w > 1e8 ? 1e8 : w;
+    }
+    return computed;
+}
+
+/* The stored weights apply to a basis loaded from the record that holds
+ * them: parameter 1001 on, and a record no larger than the model. */
+static bool weights_stored(TRVenv env, TRVlp lp) {
+    const start_rec *sr = lp->start;
+    const simplex_lp *s = &lp->solver->splp;
+    return sr != nullptr && sr->has_pnorms && par_int(env, 1001) != 0 && sr->ncols <= s->n &&
+           sr->nrows <= s->m;
+}
+
+/* Steepest-edge weights: those kept with the stored basis, else
+ * 1 + |B^-1 a_j|^2, exactly (mode 2) or from the column norms (mode 3, or
+ * a basis of slacks). */
 int primal_norms_init(TRVenv env, TRVlp lp, int mode) {
     const simplex_lp *s = &lp->solver->splp;
     simplex_iter *it = &lp->solver->it;
     primal_state *ps = lp->primal;
-    double *w = it->pweight;
+    bool show = ps->log.display > 0;
+    if (weights_stored(env, lp)) {
+        if (show) TRVmsg(env->reschannel, "Reinitializing primal norms . . .\n");
+        int computed = stored_weights(env, lp);
+        if (show) TRVmsg(env->reschannel, "Computed %d new norms.\n", computed);
+        return 0;
+    }
     bool slack_basis = true;
     for (int i = 0; i < s->m; i++)
         if (it->head[i] < s->nstruct) slack_basis = false;
     bool cheap = mode == 3 || slack_basis;
-    if (!cheap && ps->log.display > 0) TRVmsg(env->reschannel, "Initializing primal norms . . .\n");
+    if (!cheap && show) TRVmsg(env->reschannel, "Initializing primal norms . . .\n");
     for (int j = 0; j < s->ncoltot; j++) {
-        if (it->status[j] == 1 || j >= s->ntotal) {
-            w[j] = 1.0;
-            continue;
-        }
         double v = 1.0;
-        if (cheap) {
-            for (int k = s->col_beg[j]; k < s->col_end[j]; k++) v += s->val[k] * s->val[k];
-        } else {
-            sparse_vec *c = &ps->col;
-            sv_clear(c);
-            c->nz = 0;
-            for (int k = s->col_beg[j]; k < s->col_end[j]; k++) {
-                c->val[s->row_idx[k]] = s->val[k];
-                c->idx[c->nz++] = s->row_idx[k];
-            }
-            lu_ftran_nospike(lp->factor, &ps->tau, c);
-            sparse_vec *t = &ps->tau;
-            if (t->nz < 0) sv_from_dense(t);
-            for (int k = 0; k < t->nz; k++) v += t->val[t->idx[k]] * t->val[t->idx[k]];
-            sv_clear(t);
-            sv_clear(c);
-            if (ps->time_limit < 1e74 && env_time(env) - ps->start_time >= ps->time_limit) {
-                ps->abort = 2;
-                cheap = true;
-            }
+        if (priced(s, it, j)) {
+            v = cheap ? cheap_weight(s, j) : exact_weight(lp, j);
+            cheap = cheap || norms_out_of_time(env, ps);
         }
-        w[j] = v > 1e8 ? 1e8 : v;
+        it->pweight[j] = v > 1e8 ? 1e8 : v;
     }
     return 0;
 }

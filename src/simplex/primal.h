@@ -138,6 +138,8 @@ struct primal_state {
     int flipped;
     int pushed;           /* the superbasic pass has run */
     int polished;         /* the optimum was rechecked at a tighter tolerance */
+    int steep_miss;       /* pivots whose entering steepest-edge weight was
+                           * off its exact value by more than a factor 2 */
     iter_log log;
 };
 

@@ -111,7 +111,7 @@ static int solve_cleanup(TRVenv env, TRVlp lp, int method, solve_run_fn run, dou
             lp->soln = first;
             solution_free(lp);
             lp->soln = keep;
-            start_save(lp, method == 2);
+            start_save(lp, 1);
             return 0;
         }
     }
@@ -168,7 +168,7 @@ int solve_simplex(TRVenv env, TRVlp lp, int method, solve_run_fn run) {
     bool clean = status == 0 && solve_valid(env, lp);
     if (status == 0) status = solution_store(env, lp, method, itcnt, ph1);
     if (status == 0 && !clean) status = solve_cleanup(env, lp, method, run, start, &itcnt, &ph1);
-    else if (status == 0) start_save(lp, method == 2);
+    else if (status == 0) start_save(lp, 1);
     /* without memory for the basis the next run starts cold */
     if (status != 0) {
         solution_free(lp);

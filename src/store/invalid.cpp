@@ -7,10 +7,10 @@
  * column set drops the factor; a change of the row set drops every solver
  * record.
  *
- * Records that no module defines yet (norms, sensitivity, dual state,
- * presolve, barrier, MIP state, start record) are null on every problem;
- * their steps are listed in the table and do nothing until their module
- * frees or marks them here.
+ * The pricing norms live with the stored basis (start record). Records
+ * that no module defines yet (sensitivity, presolve, barrier, MIP state)
+ * are null on every problem; their steps are listed in the table and do
+ * nothing until their module frees or marks them here.
  */
 #include "store/lp.h"
 #include "simplex/dual.h"
@@ -95,6 +95,12 @@ static unsigned steps_of(int code) {
     }
 }
 
+/* Norms are a function of the basis and the matrix alone: of the changes
+ * that mark them, a change of bounds, ranges or right-hand sides leaves
+ * them exact, and added columns leave those of the others exact; only a
+ * change of matrix entries or of row senses makes them stale. */
+static bool norms_stale(int code) { return code == 33 || code == 34; }
+
 void invalidate(TRVenv env, TRVlp lp, int code) {
     if (code < 1 || code > 60) return;
     unsigned s = steps_of(code);
@@ -117,9 +123,12 @@ void invalidate(TRVenv env, TRVlp lp, int code) {
     }
     if ((s & S_WORKCOPY) && lp->workcopy != nullptr) TRVfreeprob(env, &lp->workcopy);
     if (s & S_STAT) lp->stat = 0;
-    /* the dual norms kept with the stored basis; primal norms and the
-     * sensitivity record (S_MSENS, S_FSENS) have no record yet */
-    if ((s & S_FNORMS) && lp->start != nullptr) lp->start->has_norms = 0;
+    /* the primal and dual norms kept with the stored basis (the
+     * sensitivity record, S_MSENS and S_FSENS, has none yet) */
+    if (s & S_FNORMS)
+        start_drop_norms(lp, 1);
+    else if ((s & S_MNORMS) && norms_stale(code))
+        start_drop_norms(lp, 0);
     if (s & S_FSOLN)
         soln_invalidate(lp, 1);
     else if (s & S_MSOLN)
