@@ -45,6 +45,8 @@ static const char usage_text[] =
     "                           suffix, before solving\n"
     "    --solution FILE        write the value of every variable and row, with\n"
     "                           names, to FILE as plain text\n"
+    "    --start FILE           start from the basis in FILE (BAS format)\n"
+    "    --save-basis FILE      write the final basis to FILE (BAS format)\n"
     "    --help                 this text\n"
     "    --version              the library's version\n"
     "\n"
@@ -184,6 +186,7 @@ done:
 int main(int argc, char **argv) {
     const char *model = NULL, *format = NULL, *method = "auto";
     const char *logpath = NULL, *writepath = NULL, *solpath = NULL;
+    const char *startpath = NULL, *basispath = NULL;
     const char *params[256];
     int nparams = 0, quiet = 0, i, status = 0, lpstat = 0, bad = 0;
     double timelimit = -1.0, t0, t1, obj = 0.0;
@@ -208,7 +211,8 @@ int main(int argc, char **argv) {
         } else if (strcmp(a, "--format") == 0 || strcmp(a, "--method") == 0 ||
                    strcmp(a, "--param") == 0 || strcmp(a, "--time-limit") == 0 ||
                    strcmp(a, "--iteration-limit") == 0 || strcmp(a, "--log") == 0 ||
-                   strcmp(a, "--write") == 0 || strcmp(a, "--solution") == 0) {
+                   strcmp(a, "--write") == 0 || strcmp(a, "--solution") == 0 ||
+                   strcmp(a, "--start") == 0 || strcmp(a, "--save-basis") == 0) {
             char *end = NULL;
             if (next == NULL) return usage_error("option '%s' needs a value", a);
             i++;
@@ -235,6 +239,10 @@ int main(int argc, char **argv) {
                 logpath = next;
             } else if (strcmp(a, "--write") == 0) {
                 writepath = next;
+            } else if (strcmp(a, "--start") == 0) {
+                startpath = next;
+            } else if (strcmp(a, "--save-basis") == 0) {
+                basispath = next;
             } else {
                 solpath = next;
             }
@@ -292,6 +300,8 @@ int main(int argc, char **argv) {
     if (status != 0) return lib_fail(&env, &lp, logf, status);
     if (writepath != NULL && (status = TRVwriteprob(env, lp, writepath, NULL)) != 0)
         return lib_fail(&env, &lp, logf, status);
+    if (startpath != NULL && (status = TRVreadcopybase(env, lp, startpath)) != 0)
+        return lib_fail(&env, &lp, logf, status);
 
     t0 = now_seconds();
     status = TRVlpopt(env, lp);
@@ -311,6 +321,10 @@ int main(int argc, char **argv) {
         fprintf(logf, "Solution status: %s\nIterations: %d\nSolve time: %.3f s\n", text,
                 TRVgetitcnt(env, lp), t1 - t0);
     status = 0;
+    if (basispath != NULL && TRVcangetbase(env, lp)) {
+        int st = TRVmbasewrite(env, lp, basispath);
+        if (st != 0) return lib_fail(&env, &lp, logf, st);
+    }
     if (solpath != NULL) {
         int st = write_solution(env, lp, solpath);
         if (st > 0) return lib_fail(&env, &lp, logf, st);
