@@ -134,16 +134,7 @@ bool bas_getline(bas_reader *r) {
 /* White-space tokens of the line into st->tok (8 kept, all counted). */
 void bas_tokens(bas_reader *r) {
     mps_state *st = r->st;
-    st->nfree = 0;
-    char *p = r->line;
-    for (;;) {
-        while (*p != '\0' && !(st->cls[static_cast<unsigned char>(*p)] & MPSC_NAME)) p++;
-        if (*p == '\0') break;
-        char *b = p;
-        while (st->cls[static_cast<unsigned char>(*p)] & MPSC_NAME) p++;
-        if (st->nfree < 8) st->tok[st->nfree] = {b, static_cast<int>(p - b)};
-        st->nfree++;
-    }
+    mps_tokens_of(st, r->line);
     for (int k = 0; k < MPS_NFIELD; k++)
         st->f[k] = k < st->nfree && k < 8 ? st->tok[k] : mps_field{nullptr, 0};
 }

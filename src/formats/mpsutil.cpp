@@ -63,9 +63,11 @@ int mps_section(const char *line) {
     return MS_UNKNOWN;
 }
 
-void mps_tokens(mps_state *st) {
+void mps_tokens(mps_state *st) { mps_tokens_of(st, st->line); }
+
+void mps_tokens_of(mps_state *st, char *line) {
     st->nfree = 0;
-    char *p = st->line;
+    char *p = line;
     for (;;) {
         while (*p != '\0' && !(st->cls[static_cast<unsigned char>(*p)] & MPSC_NAME)) p++;
         if (*p == '\0') break;

@@ -54,6 +54,8 @@ bool mps_getline(mps_state *st);
 int mps_section(const char *line);
 /* Splits a data line into white-space tokens (at most 8 kept). */
 void mps_tokens(mps_state *st);
+/* The same over another line buffer. */
+void mps_tokens_of(mps_state *st, char *line);
 /* The fixed-column fields of the line, when its layout allows them. */
 bool mps_fixed(mps_state *st);
 /* Terminates the fields and cuts the names among them (bit k of namemask

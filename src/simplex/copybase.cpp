@@ -28,27 +28,10 @@ int start_from_status(TRVenv env, TRVlp lp, const int *cstat, const int *rstat) 
     const lp_data *d = lp->lpdata;
     int status = check_statuses(env, d, cstat, rstat);
     if (status != 0) return status; /* reported already */
-    start_rec *sr = trv_zalloc<start_rec>(1);
-    if (sr == nullptr) return 1001;
     int n = d->ncols, m = d->nrows;
-    sr->ncols = n;
-    sr->nrows = m;
-    sr->cstat = trv_alloc<signed char>(n);
-    sr->rstat = trv_alloc<signed char>(m);
-    sr->gstat = trv_alloc<signed char>(m);
-    sr->cnorm = trv_zalloc<double>(n);
-    sr->rnorm = trv_zalloc<double>(m);
-    sr->gnorm = trv_zalloc<double>(m);
-    start_rec *old = lp->start;
-    lp->start = sr;
-    if (!sr->cstat || !sr->rstat || !sr->gstat || !sr->cnorm || !sr->rnorm || !sr->gnorm) {
-        start_free(lp);
-        lp->start = old;
-        return 1001;
-    }
-    lp->start = old;
-    start_free(lp);
-    lp->start = sr;
+    /* the old basis stays when there is no memory for the new */
+    if (start_replace(lp, n, m) != 0) return 1001;
+    start_rec *sr = lp->start;
     for (int j = 0; j < n; j++) sr->cstat[j] = static_cast<signed char>(cstat[j]);
     for (int i = 0; i < m; i++) {
         if (d->sense[i] == 'R') {

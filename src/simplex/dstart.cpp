@@ -11,8 +11,8 @@
 
 #include "simplex/dual.h"
 
-void start_free(TRVlp lp) {
-    start_rec *sr = lp->start;
+static void start_release(start_rec **srp) {
+    start_rec *sr = *srp;
     if (sr == nullptr) return;
     trv_free(&sr->cstat);
     trv_free(&sr->rstat);
@@ -21,7 +21,29 @@ void start_free(TRVlp lp) {
     trv_free(&sr->rnorm);
     trv_free(&sr->gnorm);
     start_pnorms_free(sr);
-    trv_free(&lp->start);
+    trv_free(srp);
+}
+
+void start_free(TRVlp lp) { start_release(&lp->start); }
+
+int start_replace(TRVlp lp, int n, int m) {
+    start_rec *sr = trv_zalloc<start_rec>(1);
+    if (sr == nullptr) return 1001;
+    sr->ncols = n;
+    sr->nrows = m;
+    sr->cstat = trv_alloc<signed char>(n);
+    sr->rstat = trv_alloc<signed char>(m);
+    sr->gstat = trv_alloc<signed char>(m);
+    sr->cnorm = trv_zalloc<double>(n);
+    sr->rnorm = trv_zalloc<double>(m);
+    sr->gnorm = trv_zalloc<double>(m);
+    if (!sr->cstat || !sr->rstat || !sr->gstat || !sr->cnorm || !sr->rnorm || !sr->gnorm) {
+        start_release(&sr);
+        return 1001;
+    }
+    start_free(lp);
+    lp->start = sr;
+    return 0;
 }
 
 void start_drop_norms(TRVlp lp, int free_them) {
@@ -75,23 +97,11 @@ int start_save(TRVlp lp, int with_norms) {
     if (lp->solver == nullptr) return 0;
     const simplex_lp *s = &lp->solver->splp;
     const simplex_iter *it = &lp->solver->it;
-    start_free(lp);
-    start_rec *sr = trv_zalloc<start_rec>(1);
-    if (sr == nullptr) return 1001;
-    lp->start = sr;
     int n = s->n, m = s->m;
-    sr->ncols = n;
-    sr->nrows = m;
-    sr->cstat = trv_alloc<signed char>(n);
-    sr->rstat = trv_alloc<signed char>(m);
-    sr->gstat = trv_alloc<signed char>(m);
-    sr->cnorm = trv_zalloc<double>(n);
-    sr->rnorm = trv_zalloc<double>(m);
-    sr->gnorm = trv_zalloc<double>(m);
-    if (!sr->cstat || !sr->rstat || !sr->gstat || !sr->cnorm || !sr->rnorm || !sr->gnorm) {
-        start_free(lp);
-        return 1001;
-    }
+    /* a save that fails leaves no basis: the next run starts cold */
+    start_free(lp);
+    if (start_replace(lp, n, m) != 0) return 1001;
+    start_rec *sr = lp->start;
     start_fill(s, it, sr->cstat, sr->rstat, sr->gstat);
     sr->has_norms = with_norms && it->dweight != nullptr && lp->dual != nullptr &&
                     lp->dual->pricing != DPR_PLAIN && lp->dual->pricing != DPR_SWITCH;

@@ -178,6 +178,9 @@ struct start_rec {
     int forced; /* loaded by the next run whatever parameter 1001 says */
 };
 
+/* A new empty record of n columns and m rows in place of the stored one,
+ * which stays when there is no memory (1001). */
+int start_replace(TRVlp lp, int n, int m);
 /* Keeps the working basis of the run on the problem; with_norms keeps the
  * run's pricing norms with it (dual norms, primal weights) where final. */
 int start_save(TRVlp lp, int with_norms);
