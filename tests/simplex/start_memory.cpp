@@ -1,0 +1,158 @@
+/* Memory running out in the functions around the stored basis: copying a
+ * basis in, reading one from a file, a column of the basis inverse, and a
+ * solve that needs its clean-up run. Every allocation is made to fail in
+ * turn; each call ends with 0 or 1001, keeps what the problem held, and
+ * leaks nothing (the sanitizer build checks the last). */
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdio>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "frame/trv.h"
+#include "support/kkt.h"
+#include "support/model.h"
+
+namespace {
+
+/* Allocations one call makes when none fails. */
+template <class F> long allocations_of(F call) {
+    long before = trv_alloc_count();
+    call();
+    return trv_alloc_count() - before;
+}
+
+std::vector<int> base_of(TRVenv env, TRVlp lp) {
+    std::vector<int> b(TRVgetnumcols(env, lp) + TRVgetnumrows(env, lp), -1);
+    if (TRVgetbase(env, lp, b.data(), b.data() + TRVgetnumcols(env, lp)) != 0) b.clear();
+    return b;
+}
+
+} // namespace
+
+TEST(StartMemory, CopyAndReadKeepTheOldBasisWhenMemoryRunsOut) {
+    TestEnv t;
+    TRVsetintparam(t.env, 1019, 0);
+    Model md = random_lp(5, 9, 6);
+    TRVlp lp = md.copy_into(t.env);
+    ASSERT_EQ(TRVdualopt(t.env, lp), 0);
+    std::vector<int> solved = base_of(t.env, lp);
+    ASSERT_FALSE(solved.empty());
+    /* the slack basis, as the basis to copy and to read */
+    int n = md.ncols(), m = md.nrows();
+    std::vector<int> cstat(n, 0), rstat(m, 1);
+    std::string path = ::testing::TempDir() + "start_memory.bas";
+    {
+        TRVlp other = md.copy_into(t.env);
+        ASSERT_EQ(TRVcopybase(t.env, other, cstat.data(), rstat.data()), 0);
+        ASSERT_EQ(TRVmbasewrite(t.env, other, path.c_str()), 0);
+        TRVfreeprob(t.env, &other);
+    }
+    for (int which = 0; which < 2; which++) {
+        auto call = [&] {
+            return which == 0 ? TRVcopybase(t.env, lp, cstat.data(), rstat.data())
+                              : TRVreadcopybase(t.env, lp, path.c_str());
+        };
+        long used = allocations_of([&] {
+            TRVlp c = md.copy_into(t.env);
+            TRVlp keep = lp;
+            lp = c;
+            call();
+            lp = keep;
+            TRVfreeprob(t.env, &c);
+        });
+        int failures = 0;
+        for (long k = 1; k <= used; k++) {
+            TRVlp c = md.copy_into(t.env);
+            ASSERT_EQ(TRVdualopt(t.env, c), 0);
+            TRVlp keep = lp;
+            lp = c;
+            trv_alloc_failat(k);
+            int st = call();
+            trv_alloc_failat(0);
+            lp = keep;
+            EXPECT_TRUE(st == 0 || st == 1001) << which << " allocation " << k << ": " << st;
+            if (st == 1001) {
+                failures++;
+                EXPECT_EQ(base_of(t.env, c), solved) << which << " allocation " << k;
+                EXPECT_EQ(TRVgetstat(t.env, c), 1);
+            }
+            TRVfreeprob(t.env, &c);
+        }
+        EXPECT_GT(failures, 0) << which;
+    }
+    std::remove(path.c_str());
+    TRVfreeprob(t.env, &lp);
+}
+
+TEST(StartMemory, GradLeavesTheProblemAsItWas) {
+    TestEnv t;
+    TRVsetintparam(t.env, 1019, 0);
+    Model md = random_lp(8, 10, 7);
+    TRVlp lp = md.copy_into(t.env);
+    ASSERT_EQ(TRVdualopt(t.env, lp), 0);
+    int m = md.nrows();
+    std::vector<double> ref(m), y(m);
+    std::vector<int> head(m);
+    long used = allocations_of([&] { TRVgetgrad(t.env, lp, 3, head.data(), ref.data()); });
+    ASSERT_GT(used, 5);
+    for (long k = 1; k <= used; k++) {
+        trv_alloc_failat(k);
+        int st = TRVgetgrad(t.env, lp, 3, head.data(), y.data());
+        trv_alloc_failat(0);
+        EXPECT_TRUE(st == 0 || st == 1001) << "allocation " << k << ": " << st;
+        if (st == 0) {
+            EXPECT_EQ(y, ref);
+        }
+    }
+    EXPECT_EQ(TRVgetstat(t.env, lp), 1);
+    ASSERT_EQ(TRVgetgrad(t.env, lp, 3, head.data(), y.data()), 0);
+    EXPECT_EQ(y, ref);
+    TRVfreeprob(t.env, &lp);
+}
+
+TEST(StartMemory, CleanUpRunEndsCleanWhenMemoryRunsOut) {
+    /* a model scaled so that the primal's first optimum needs the clean-up
+     * (rows and columns times powers of ten up to 1e6) */
+    Model md = random_lp(6, 30, 20, false);
+    std::mt19937 g(6);
+    std::uniform_real_distribution<double> u(-6.0, 6.0);
+    std::vector<double> cs(md.ncols()), rs(md.nrows());
+    for (double &c : cs) c = std::pow(10.0, std::round(u(g)));
+    for (double &r : rs) r = std::pow(10.0, std::round(u(g)));
+    for (int j = 0; j < md.ncols(); j++) {
+        for (int k = md.matbeg[j]; k < md.matbeg[j] + md.matcnt[j]; k++)
+            md.matval[k] *= cs[j] * rs[md.matind[k]];
+        md.obj[j] *= cs[j];
+        if (md.lb[j] > -1e20) md.lb[j] /= cs[j];
+        if (md.ub[j] < 1e20) md.ub[j] /= cs[j];
+    }
+    for (int i = 0; i < md.nrows(); i++) {
+        md.rhs[i] *= rs[i];
+        if (md.sense[i] == 'R') md.rngval[i] *= rs[i];
+    }
+    TestEnv t;
+    TRVsetintparam(t.env, 1019, 0);
+    long used = allocations_of([&] {
+        TRVlp c = md.copy_into(t.env);
+        TRVprimopt(t.env, c);
+        TRVfreeprob(t.env, &c);
+    });
+    int failures = 0;
+    for (long k = 1; k <= used; k += 3) {
+        TRVlp c = md.copy_into(t.env);
+        ASSERT_NE(c, nullptr);
+        trv_alloc_failat(k);
+        int st = TRVprimopt(t.env, c);
+        trv_alloc_failat(0);
+        EXPECT_TRUE(st == 0 || st == 1001) << "allocation " << k << ": " << st;
+        if (st == 1001) {
+            failures++;
+            EXPECT_EQ(TRVgetstat(t.env, c), 0) << k;
+        }
+        TRVfreeprob(t.env, &c);
+    }
+    EXPECT_GT(failures, 0);
+}
