@@ -138,6 +138,7 @@ struct primal_state {
     int flipped;
     int pushed;           /* the superbasic pass has run */
     int polished;         /* the optimum was rechecked at a tighter tolerance */
+    int p1_rechecks;      /* infeasibility rechecked at a tighter phase 1 tolerance */
     iter_log log;
 };
 

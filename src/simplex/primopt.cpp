@@ -309,6 +309,17 @@ int primal_opt(TRVenv env, TRVlp lp, int it_so_far, int it1_so_far,
                 ps->status = 0;
                 continue;
             }
+            /* phase 1 reduced costs are per unit of each variable: on a
+             * model left unscaled, a column of tiny entries with a wide box
+             * still removes infeasibility at a reduced cost under the
+             * tolerance. Infeasibility stands only after a look at a
+             * hundredth and a ten-thousandth of it. */
+            if (ps->status == LPS_INFEASIBLE && ps->p1_rechecks < 2) {
+                ps->p1_rechecks++;
+                ps->p1_tol *= 0.01;
+                ps->status = 0;
+                continue;
+            }
             if (ps->status == LPS_OPTIMAL) {
                 /* a scaled optimum must also be one in the caller's units */
                 if (!ps->d_kept) primal_compute_d(lp);
