@@ -47,8 +47,10 @@ TEST(CleanUp, OptimaHoldInTheCallersUnits) {
 }
 
 TEST(CleanUp, AFailedCleanUpKeepsTheFirstSolution) {
-    /* seed 30: the primal's clean-up stalls and runs out of its iterations;
-     * the scaled run's solution stands, with status 11, its basis kept */
+    /* seed 30: the primal's clean-up used to stall and run out of its
+     * iterations, and the scaled run's solution stood with status 11, its
+     * basis kept; since the primal no longer stalls there the clean-up
+     * finishes (status 1) and the failed path waits for a new model */
     TestEnv t;
     TRVsetintparam(t.env, 1019, 0);
     Model md = badly_scaled(30);
