@@ -164,8 +164,11 @@ static int bound_flip(TRVlp lp, int q, int dir) {
     return 0;
 }
 
-/* The basis change: q enters at position p. */
-static int basis_change(TRVenv env, TRVlp lp, int q, int dir) {
+/* The basis change: q enters at position p. A forced pivot (the last
+ * resort of a round whose attempts all failed) is taken even when the
+ * row and the column disagree or the update looks unstable: refusing it
+ * once more would leave the round where it started. */
+static int basis_change(TRVenv env, TRVlp lp, int q, int dir, int forced) {
     const simplex_lp *s = &lp->solver->splp;
     simplex_iter *it = &lp->solver->it;
     primal_state *ps = lp->primal;
@@ -178,14 +181,15 @@ static int basis_change(TRVenv env, TRVlp lp, int q, int dir) {
     double check = ps->prow[q];
     if (std::fabs(check - alpha_p) > 1e-7 * (1.0 + std::fabs(alpha_p))) {
         if (ps->updates > 0) return refactor_retry(env, lp);
-        if (std::fabs(check - alpha_p) > 1e-3 * (1.0 + std::fabs(alpha_p))) return RC_RETRY;
+        if (std::fabs(check - alpha_p) > 1e-3 * (1.0 + std::fabs(alpha_p)) && !forced)
+            return RC_RETRY;
     }
     it->leave_pos = p;
     it->enter_var = q;
     it->alpha = alpha_p;
     int ck = 0;
     lu_update_check(lp, alpha_p, 1, &ck);
-    if (ck == RC_RETRY) return RC_RETRY;
+    if (ck == RC_RETRY && !forced) return RC_RETRY;
     int r = it->head[p];
     double theta = rw->step * dir;
     double dq = it->d[q];
@@ -276,7 +280,7 @@ static int primal_try_dir(TRVenv env, TRVlp lp, int q, int forced, int recheck, 
     }
     if (r != 0) return r;
     if (ps->rw.leaving < 0) return bound_flip(lp, q, dir);
-    return basis_change(env, lp, q, dir);
+    return basis_change(env, lp, q, dir, forced);
 }
 
 /* Tries the candidates: q first, then further choices of the pricing while

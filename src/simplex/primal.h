@@ -140,6 +140,7 @@ struct primal_state {
     int polished;         /* the optimum was rechecked at a tighter tolerance */
     int steep_miss;       /* pivots whose entering steepest-edge weight was
                            * off its exact value by more than a factor 2 */
+    int p1_rechecks;      /* infeasibility rechecked at a tighter phase 1 tolerance */
     iter_log log;
 };
 

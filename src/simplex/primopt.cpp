@@ -174,6 +174,7 @@ static int main_loop(TRVenv env, TRVlp lp) {
         if (st != 0) return st;
         it->n_it++;
         if (phase_before == 1) ps->n_it_phase1++;
+        if (ps->status != 0) break;
         if (ps->log.display >= 2) primal_log_detail(env, lp);
         else if (ps->log.display == 1) primal_log(env, lp, 0);
     }
@@ -279,12 +280,14 @@ int primal_opt(TRVenv env, TRVlp lp, int it_so_far, int it1_so_far,
     while (true) {
         st = main_loop(env, lp);
         if (st != 0) return st;
-        if (ps->status == 0) {
-            /* a limit or an abort: the values on the true bounds */
+        if (ps->status == 0 || ps->status == LPS_NONOPT_FEAS || ps->status == LPS_NONOPT_INFEAS) {
+            /* a limit, an abort or a stall given up: the values on the
+             * true bounds */
             if (ps->perturb.active || ps->perturb.shift_count > 0) {
                 if (ps->phase == 2) primal_remove(env, lp);
             }
-            ps->status = limit_status(ps);
+            if (ps->status == 0) ps->status = limit_status(ps);
+            else if (ps->phase == 1) ps->status = LPS_NONOPT_INFEAS;
             break;
         }
         if (ps->status == LPS_OBJLIM) break;
@@ -305,6 +308,17 @@ int primal_opt(TRVenv env, TRVlp lp, int it_so_far, int it1_so_far,
             if (st != 0) return st;
             bool lost = ps->status == LPS_OPTIMAL ? ps->n_inf > 0 : ps->n_inf == 0;
             if (lost) {
+                ps->status = 0;
+                continue;
+            }
+            /* phase 1 reduced costs are per unit of each variable: on a
+             * model left unscaled, a column of tiny entries with a wide box
+             * still removes infeasibility at a reduced cost under the
+             * tolerance. Infeasibility stands only after a look at a
+             * hundredth and a ten-thousandth of it. */
+            if (ps->status == LPS_INFEASIBLE && ps->p1_rechecks < 2) {
+                ps->p1_rechecks++;
+                ps->p1_tol *= 0.01;
                 ps->status = 0;
                 continue;
             }

@@ -75,6 +75,7 @@ int progress_check(TRVenv env, TRVlp lp) {
     if (pg->last_it + pg->sample >= n_it) return 0;
     /* stalled under a perturbation: step the tolerances, shift violations */
     if (pg->restart_count == 0) pg->fix_pending = 1;
+    double delta_before = ps->harris_delta;
     ps->harris_delta = tol_step(ps->harris_delta);
     if (ps->harris_delta < 1e-9) ps->harris_delta = 1e-9;
     if (ps->phase == 2 && extend_shifts(lp) > 0) {
@@ -84,6 +85,12 @@ int progress_check(TRVenv env, TRVlp lp) {
     } else if (pg->restart_count < 3) {
         pg->restart_count++;
         primal_perturb(env, lp);
+    } else if (ps->harris_delta >= delta_before) {
+        /* the new starts are used up, nothing was left to shift and the
+         * relaxation is at its floor: another interval would see the same
+         * vertex, so the run ends here as not optimal */
+        ps->status = ps->phase == 2 ? LPS_NONOPT_FEAS : LPS_NONOPT_INFEAS;
+        return 0;
     }
     progress_reset(lp);
     return 0;

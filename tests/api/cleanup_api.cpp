@@ -12,34 +12,6 @@
 #include "support/kkt.h"
 #include "support/model.h"
 
-namespace {
-
-/* A random LP with rows and columns multiplied by powers of ten from
- * 1e-6 to 1e6: the scaling undoes most of it, and the rest is where an
- * optimum of the scaled copy can fail in the caller's units. */
-Model badly_scaled(unsigned seed) {
-    Model md = random_lp(seed, 30, 20, seed % 2 == 1);
-    std::mt19937 g(seed);
-    std::uniform_real_distribution<double> u(-6.0, 6.0);
-    std::vector<double> cs(md.ncols()), rs(md.nrows());
-    for (double &c : cs) c = std::pow(10.0, std::round(u(g)));
-    for (double &r : rs) r = std::pow(10.0, std::round(u(g)));
-    for (int j = 0; j < md.ncols(); j++) {
-        for (int k = md.matbeg[j]; k < md.matbeg[j] + md.matcnt[j]; k++)
-            md.matval[k] *= cs[j] * rs[md.matind[k]];
-        md.obj[j] *= cs[j];
-        if (md.lb[j] > -1e20) md.lb[j] /= cs[j];
-        if (md.ub[j] < 1e20) md.ub[j] /= cs[j];
-    }
-    for (int i = 0; i < md.nrows(); i++) {
-        md.rhs[i] *= rs[i];
-        if (md.sense[i] == 'R') md.rngval[i] *= rs[i];
-    }
-    return md;
-}
-
-} // namespace
-
 TEST(CleanUp, OptimaHoldInTheCallersUnits) {
     TestEnv t;
     TRVsetintparam(t.env, 1019, 0);
@@ -75,8 +47,10 @@ TEST(CleanUp, OptimaHoldInTheCallersUnits) {
 }
 
 TEST(CleanUp, AFailedCleanUpKeepsTheFirstSolution) {
-    /* seed 30: the primal's clean-up stalls and runs out of its iterations;
-     * the scaled run's solution stands, with status 11, its basis kept */
+    /* seed 30: the primal's clean-up used to stall and run out of its
+     * iterations, and the scaled run's solution stood with status 11, its
+     * basis kept; since the primal no longer stalls there the clean-up
+     * finishes (status 1) and the failed path waits for a new model */
     TestEnv t;
     TRVsetintparam(t.env, 1019, 0);
     Model md = badly_scaled(30);
