@@ -94,11 +94,12 @@ static int solve_cleanup(TRVenv env, TRVlp lp, int method, solve_run_fn run, dou
         lp->lpdata->scaletype = -1;
     }
     /* a clean-up that does not finish soon will not finish better: it may
-     * take a twentieth more than the iterations so far, within 1020 */
-    int limit = par_int(env, 1020);
+     * take as many iterations as the run so far and a twentieth more, and
+     * the two together stay within the caller's limit (1020) */
+    int left = par_int(env, 1020) - *itcnt;
     int own = *itcnt + *itcnt / 20 + 100;
     int it2 = 0, p2 = 0;
-    int saved = par_swap_int(env, 1020, own < limit ? own : limit);
+    int saved = par_swap_int(env, 1020, own < left ? own : left > 0 ? left : 0);
     status = run(env, lp, start, &it2, &p2);
     par_swap_int(env, 1020, saved);
     *itcnt += it2;

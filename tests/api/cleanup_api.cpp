@@ -47,31 +47,50 @@ TEST(CleanUp, OptimaHoldInTheCallersUnits) {
 }
 
 TEST(CleanUp, AFailedCleanUpKeepsTheFirstSolution) {
-    /* seed 30: the primal's clean-up used to stall and run out of its
-     * iterations, and the scaled run's solution stood with status 11, its
-     * basis kept; since the primal no longer stalls there the clean-up
-     * finishes (status 1) and the failed path waits for a new model */
-    TestEnv t;
-    TRVsetintparam(t.env, 1019, 0);
-    Model md = badly_scaled(30);
-    TRVlp lp = md.copy_into(t.env);
-    ASSERT_EQ(TRVprimopt(t.env, lp), 0);
-    int stat = TRVgetstat(t.env, lp);
-    ASSERT_TRUE(stat == 1 || stat == 11) << stat;
-    int n = md.ncols(), m = md.nrows();
-    std::vector<double> x(n);
-    EXPECT_EQ(TRVgetx(t.env, lp, x.data(), 0, n - 1), 0);
-    EXPECT_EQ(TRVgetmethod(t.env, lp), 1);
-    std::vector<int> cstat(n), rstat(m);
-    EXPECT_EQ(TRVgetbase(t.env, lp, cstat.data(), rstat.data()), 0);
-    /* the iteration limit the clean-up borrowed is the caller's again */
-    int lim = 0;
-    TRVgetintparam(t.env, 1020, &lim);
-    int deflim = 0;
-    TRVinfointparam(t.env, 1020, &deflim, nullptr, nullptr);
-    EXPECT_EQ(lim, deflim);
-    /* the dual from that basis finishes the job */
-    ASSERT_EQ(TRVdualopt(t.env, lp), 0);
-    EXPECT_EQ(TRVgetstat(t.env, lp), 1);
-    TRVfreeprob(t.env, &lp);
+    /* seeds 6, 12 and 30: the primal's scaled run ends outside the
+     * tolerances in the caller's units. With the caller's iteration limit
+     * at the length of that run the clean-up has no pivot left: the first
+     * solution stands with status 11 and its basis, and the limit the
+     * clean-up borrowed is the caller's again. */
+    int failed = 0;
+    for (unsigned seed : {6u, 12u, 30u}) {
+        Model md = badly_scaled(seed);
+        int total = 0;
+        {
+            TestEnv t;
+            TRVsetintparam(t.env, 1019, 0);
+            TRVlp lp = md.copy_into(t.env);
+            ASSERT_EQ(TRVprimopt(t.env, lp), 0);
+            ASSERT_EQ(TRVgetstat(t.env, lp), 1) << seed;
+            total = TRVgetitcnt(t.env, lp);
+            TRVfreeprob(t.env, &lp);
+        }
+        for (int limit = 1; limit <= total; limit++) {
+            TestEnv t;
+            TRVsetintparam(t.env, 1019, 0);
+            TRVsetintparam(t.env, 1020, limit);
+            TRVlp lp = md.copy_into(t.env);
+            ASSERT_EQ(TRVprimopt(t.env, lp), 0);
+            int stat = TRVgetstat(t.env, lp);
+            EXPECT_LE(TRVgetitcnt(t.env, lp), limit) << seed;
+            if (stat == 11) {
+                failed++;
+                int n = md.ncols(), m = md.nrows();
+                std::vector<double> x(n);
+                EXPECT_EQ(TRVgetx(t.env, lp, x.data(), 0, n - 1), 0);
+                EXPECT_EQ(TRVgetmethod(t.env, lp), 1);
+                std::vector<int> cstat(n), rstat(m);
+                EXPECT_EQ(TRVgetbase(t.env, lp, cstat.data(), rstat.data()), 0);
+                int lim = 0;
+                TRVgetintparam(t.env, 1020, &lim);
+                EXPECT_EQ(lim, limit);
+                /* the dual from that basis finishes the job */
+                TRVsetintparam(t.env, 1020, 2100000000);
+                ASSERT_EQ(TRVdualopt(t.env, lp), 0);
+                EXPECT_EQ(TRVgetstat(t.env, lp), 1) << seed;
+            }
+            TRVfreeprob(t.env, &lp);
+        }
+    }
+    EXPECT_GT(failed, 0);
 }
