@@ -249,6 +249,18 @@ static double unscaled_violation(TRVlp lp, int dual) {
     return worst;
 }
 
+/* The ratio test lets a reduced cost pass zero by up to the Harris
+ * relaxation; the phase test calls it dual infeasible beyond the dual
+ * tolerance. Once the tolerance is tightened the relaxation must follow,
+ * or every step that uses it sends the run back to phase 1 at the next
+ * factorization, and phase 1 hands it back at once: a loop between the
+ * phases. */
+static void relax_within_tolerance(dual_state *ds) {
+    double cap = 0.5 * ds->dual_tol;
+    if (ds->harris_delta > cap) ds->harris_delta = cap;
+    if (ds->harris_base > cap) ds->harris_base = cap;
+}
+
 /* Removal of the perturbation and the decision on fresh figures. Returns 1
  * when the main loop must run again, 2 when the primal takes over. */
 static int confirm_optimum(TRVenv env, TRVlp lp, int internal, int *err) {
@@ -294,6 +306,7 @@ static int confirm_optimum(TRVenv env, TRVlp lp, int internal, int *err) {
     tol = par_dbl(env, 1014);
     if (w > tol && ds->dual_tol > 1e-12) {
         ds->dual_tol = std::fmax(ds->dual_tol * tol / w, 1e-12);
+        relax_within_tolerance(ds);
         ds->status = 0;
         dual_set_phase(lp);
         return 1;
@@ -305,6 +318,7 @@ static int confirm_optimum(TRVenv env, TRVlp lp, int internal, int *err) {
         ds->polished = 1;
         ds->dual_tol *= 0.1;
         ds->feas_tol *= 0.1;
+        relax_within_tolerance(ds);
         if (dual_count_dinf(lp, ds->dual_tol, nullptr) > 0) {
             ds->status = 0;
             dual_set_phase(lp);
