@@ -99,6 +99,7 @@ struct dual_state {
     int norms_ready;
     int flip_count;
     int polished;         /* the optimum was checked at tightened tolerances */
+    int reincluded;       /* the dropped variables were let in again once */
     iter_log log;
 };
 

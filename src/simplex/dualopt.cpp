@@ -261,6 +261,44 @@ static void relax_within_tolerance(dual_state *ds) {
     if (ds->harris_base > cap) ds->harris_base = cap;
 }
 
+/* The variables a repair dropped (ban 32) come back at an optimum: each
+ * is released and its reduced cost judged against its bound. Returns 0
+ * when none was dropped or none violates, 1 when the run must go on with
+ * them, 2 when they still violate after one such round (the status is
+ * then set to not optimal). */
+static int release_dropped(TRVenv env, TRVlp lp) {
+    const simplex_lp *s = &lp->solver->splp;
+    simplex_iter *it = &lp->solver->it;
+    dual_state *ds = lp->dual;
+    int dropped = 0, v = 0;
+    for (int j = 0; j < s->ncoltot; j++) {
+        if (it->ban[j] != 32) continue;
+        it->ban[j] = 0;
+        dropped++;
+        if (it->status[j] == 1) continue;
+        double dj = it->d[j];
+        double bad = it->status[j] == 0 ? -dj : it->status[j] == 2 ? dj : -std::fabs(dj);
+        if (!(bad > ds->dual_tol)) continue;
+        v++;
+        TRVmsg(env->errchannel,
+               ds->log.scaled ? "Scaled reduced cost of dropped variable '%.255s' = %g\n"
+                              : "Reduced cost of dropped variable '%.255s' = %g\n",
+               simplex_varname(env, lp, j), dj);
+    }
+    if (dropped == 0) return 0;
+    if (v == 0) {
+        TRVmsg(env->errchannel, "Dropped variables satisfy optimality criteria.\n");
+        return 0;
+    }
+    if (!ds->reincluded) {
+        ds->reincluded = 1;
+        TRVmsg(env->errchannel, "Attempting to reinclude dropped variables.\n");
+        return 1;
+    }
+    TRVmsg(env->errchannel, "There are %d violations to optimality.\n", v);
+    return 2;
+}
+
 /* Removal of the perturbation and the decision on fresh figures. Returns 1
  * when the main loop must run again, 2 when the primal takes over. */
 static int confirm_optimum(TRVenv env, TRVlp lp, int internal, int *err) {
@@ -330,6 +368,21 @@ static int confirm_optimum(TRVenv env, TRVlp lp, int internal, int *err) {
             ds->status = 0;
             return 1;
         }
+    }
+    int r = release_dropped(env, lp);
+    if (r == 1) {
+        /* back in the ratio test, and at the bound their reduced costs
+         * ask for */
+        ds->status = 0;
+        dual_set_phase(lp);
+        return 1;
+    }
+    if (r == 2) {
+        /* the basis is primal feasible and a little dual infeasible: the
+         * primal can finish from it, unless it is the primal that handed
+         * over or the caller asked for no hand-over */
+        if (!internal && par_int(env, 1063) >= 0) return 2;
+        ds->status = LPS_NONOPT_FEAS;
     }
     return 0;
 }
