@@ -142,6 +142,26 @@ static bool row_proves_infeasibility(TRVlp lp, int dir, double slope) {
     return room < slope - ds->feas_tol;
 }
 
+/* The ratio test leaves out the entries of the pivot row at or below
+ * round-off size, but a long dual step still moves their reduced costs:
+ * on a model whose entries span many orders of magnitude a step of 1e5
+ * takes one of them 1e-4 past zero, the next factorization finds the
+ * basis dual infeasible and the run falls back to phase 1, over and over.
+ * Such a reduced cost is shifted back to zero instead, a shift that goes
+ * with the others at the end of the run. */
+static void shift_tiny_entries(TRVlp lp) {
+    const simplex_lp *s = &lp->solver->splp;
+    simplex_iter *it = &lp->solver->it;
+    dual_state *ds = lp->dual;
+    for (int k = 0; k < ds->prow_nz; k++) {
+        int j = ds->prow_idx[k];
+        if (std::fabs(ds->prow[j]) > DR_TINY || it->status[j] == 1 || j >= s->ntotal) continue;
+        if (it->ban[j] == 32 || (ds->lo_on[j] && ds->up_on[j] && ds->lower[j] == ds->upper[j]))
+            continue;
+        if (dual_infeasibility(ds, it, j) > ds->harris_delta) dual_shift_cost(lp, j, it->d[j]);
+    }
+}
+
 /* One attempt on position p. forced takes a pivot the ratio test doubts. */
 static int dual_try(TRVenv env, TRVlp lp, int p, int forced) {
     simplex_iter *it = &lp->solver->it;
@@ -238,6 +258,7 @@ static int dual_try(TRVenv env, TRVlp lp, int p, int forced) {
             int j = ds->prow_idx[k];
             it->d[j] -= t * ds->prow[j];
         }
+        if (std::fabs(theta_d) * DR_TINY > ds->harris_delta) shift_tiny_entries(lp);
     }
     it->d[q] = 0.0;
     it->d[r_var] = -dir * theta_d;

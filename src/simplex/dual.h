@@ -29,6 +29,10 @@
  * primal is not asked to tell unboundedness from infeasibility. */
 enum { LPS_UNB_OR_INF = 19 };
 
+/* Entries of the pivot row at or below this size do not take part in the
+ * ratio test. */
+#define DR_TINY 1e-9
+
 /* Pricing modes of the dual. */
 enum {
     DPR_PLAIN = 1,      /* largest squared infeasibility */
