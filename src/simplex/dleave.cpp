@@ -13,18 +13,31 @@ static int refactor_retry(TRVenv env, TRVlp lp) {
     return st != 0 ? st : RC_RETRY;
 }
 
+/* The violation a basic value must pass to be chosen. In phase 1 the
+ * values are those of the auxiliary box, whose units are those of the
+ * rows: on a model left unscaled a row of tiny entries still carries a
+ * sizeable dual infeasibility at a violation under the tolerance, so an
+ * end of phase 1 is looked at again at a hundredth and a ten-thousandth
+ * of it. */
+static double select_tol(const dual_state *ds) {
+    double t = ds->feas_tol;
+    if (ds->phase == 1)
+        for (int k = 0; k < ds->p1_rechecks; k++) t *= 0.01;
+    return t;
+}
+
 /* The leaving row, or -1 with a status set when none remains after the
  * clean-up. Returns 0 or an error code. */
 static int price_with_ladder(TRVenv env, TRVlp lp, int *p_out) {
     dual_state *ds = lp->dual;
-    *p_out = dual_price_select(lp, ds->feas_tol);
+    *p_out = dual_price_select(lp, select_tol(ds));
     if (*p_out >= 0) return 0;
     /* nothing to choose: the decision stands on fresh figures */
     int phase_before = ds->phase;
     if (ds->updates > 0 || ds->n_banned > 0) {
         int st = dual_refactor(env, lp);
         if (st != 0) return st;
-        *p_out = dual_price_select(lp, ds->feas_tol);
+        *p_out = dual_price_select(lp, select_tol(ds));
         if (*p_out >= 0) return 0;
     }
     if (ds->phase == 1 && phase_before == 1) {
@@ -32,6 +45,10 @@ static int price_with_ladder(TRVenv env, TRVlp lp, int *p_out) {
          * model unless the sum of dual infeasibilities is positive */
         dual_set_phase(lp);
         if (ds->phase == 1) {
+            if (ds->p1_rechecks < 2) {
+                ds->p1_rechecks++;
+                return RC_RETRY;
+            }
             ds->status = LPS_UNB_OR_INF;
             return 0;
         }
@@ -293,7 +310,7 @@ static int dual_pivot(TRVenv env, TRVlp lp, int p) {
     int kmax = ds->candidates_max < 64 ? ds->candidates_max : 64;
     for (int k = 0; k < kmax; k++) {
         if (k > 0) {
-            p = dual_price_select(lp, ds->feas_tol);
+            p = dual_price_select(lp, select_tol(ds));
             if (p < 0) break;
         }
         int r = dual_try(env, lp, p, 0);
@@ -311,7 +328,10 @@ static int dual_pivot(TRVenv env, TRVlp lp, int p) {
     ds->n_banned = 0;
     int r = dual_try(env, lp, first, 1);
     if (r == RC_RETRY) {
-        ds->status = ds->phase == 2 ? LPS_NONOPT_FEAS : LPS_NONOPT_INFEAS;
+        /* a row the closer look at the end of phase 1 found has no usable
+         * pivot: phase 1 ends as it would have without that look */
+        if (ds->phase == 1 && ds->p1_rechecks > 0) ds->status = LPS_UNB_OR_INF;
+        else ds->status = ds->phase == 2 ? LPS_NONOPT_FEAS : LPS_NONOPT_INFEAS;
         return 0;
     }
     return r;

@@ -104,6 +104,7 @@ struct dual_state {
     int flip_count;
     int polished;         /* the optimum was checked at tightened tolerances */
     int reincluded;       /* the dropped variables were let in again once */
+    int p1_rechecks;      /* an end of phase 1 looked at again more closely */
     iter_log log;
 };
 
