@@ -47,6 +47,8 @@ struct dual_progress {
     int base_it, last_it, interval, sample;
     double rate;
     int phase, fix_pending, restart_count;
+    int falls;          /* returns from phase 2 to phase 1 since the last stall */
+    int gave_up;        /* the stall control ended the run */
 };
 
 using dual_perturb_rec = perturb_rec;

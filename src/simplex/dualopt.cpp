@@ -120,6 +120,7 @@ static int main_loop(TRVenv env, TRVlp lp) {
         if (st != 0) return st;
         it->n_it++;
         if (phase_before == 1) ds->n_it_phase1++;
+        if (ds->status != 0) break; /* the stall control gave up */
         if (ds->log.display >= 2) dual_log_detail(env, lp);
         else if (ds->log.display == 1) dual_log(env, lp, 0);
     }
@@ -485,6 +486,13 @@ int dual_opt(TRVenv env, TRVlp lp, int it_so_far, int it1_so_far, double start_t
         ds->objective = dual_objective(lp);
     }
     if (ds->phase == 1) dual_true_values(lp);
+    if (ds->progress.gave_up) {
+        /* a stall given up: feasible means primal feasible, as after a
+         * limit */
+        int n_inf = 0;
+        dual_pinf(lp, ds->feas_tol, &n_inf);
+        ds->status = ds->phase == 2 && n_inf == 0 ? LPS_NONOPT_FEAS : LPS_NONOPT_INFEAS;
+    }
     if (ds->log.display >= 1) dual_log(env, lp, 1);
     lp->stat = ds->status;
     return 0;
