@@ -278,7 +278,7 @@ static int release_dropped(TRVenv env, TRVlp lp) {
         dropped++;
         if (it->status[j] == 1) continue;
         double dj = it->d[j];
-        double bad = it->status[j] == 0 ? -dj : it->status[j] == 2 ? dj : -std::fabs(dj);
+        double bad = it->status[j] == 0 ? -dj : it->status[j] == 2 ? dj : std::fabs(dj);
         if (!(bad > ds->dual_tol)) continue;
         v++;
         TRVmsg(env->errchannel,
