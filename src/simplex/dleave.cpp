@@ -13,18 +13,31 @@ static int refactor_retry(TRVenv env, TRVlp lp) {
     return st != 0 ? st : RC_RETRY;
 }
 
+/* The violation a basic value must pass to be chosen. In phase 1 the
+ * values are those of the auxiliary box, whose units are those of the
+ * rows: on a model left unscaled a row of tiny entries still carries a
+ * sizeable dual infeasibility at a violation under the tolerance, so an
+ * end of phase 1 is looked at again at a hundredth and a ten-thousandth
+ * of it. */
+static double select_tol(const dual_state *ds) {
+    double t = ds->feas_tol;
+    if (ds->phase == 1)
+        for (int k = 0; k < ds->p1_rechecks; k++) t *= 0.01;
+    return t;
+}
+
 /* The leaving row, or -1 with a status set when none remains after the
  * clean-up. Returns 0 or an error code. */
 static int price_with_ladder(TRVenv env, TRVlp lp, int *p_out) {
     dual_state *ds = lp->dual;
-    *p_out = dual_price_select(lp, ds->feas_tol);
+    *p_out = dual_price_select(lp, select_tol(ds));
     if (*p_out >= 0) return 0;
     /* nothing to choose: the decision stands on fresh figures */
     int phase_before = ds->phase;
     if (ds->updates > 0 || ds->n_banned > 0) {
         int st = dual_refactor(env, lp);
         if (st != 0) return st;
-        *p_out = dual_price_select(lp, ds->feas_tol);
+        *p_out = dual_price_select(lp, select_tol(ds));
         if (*p_out >= 0) return 0;
     }
     if (ds->phase == 1 && phase_before == 1) {
@@ -32,6 +45,10 @@ static int price_with_ladder(TRVenv env, TRVlp lp, int *p_out) {
          * model unless the sum of dual infeasibilities is positive */
         dual_set_phase(lp);
         if (ds->phase == 1) {
+            if (ds->p1_rechecks < 2) {
+                ds->p1_rechecks++;
+                return RC_RETRY;
+            }
             ds->status = LPS_UNB_OR_INF;
             return 0;
         }
@@ -142,6 +159,26 @@ static bool row_proves_infeasibility(TRVlp lp, int dir, double slope) {
     return room < slope - ds->feas_tol;
 }
 
+/* The ratio test leaves out the entries of the pivot row at or below
+ * round-off size, but a long dual step still moves their reduced costs:
+ * on a model whose entries span many orders of magnitude a step of 1e5
+ * takes one of them 1e-4 past zero, the next factorization finds the
+ * basis dual infeasible and the run falls back to phase 1, over and over.
+ * Such a reduced cost is shifted back to zero instead, a shift that goes
+ * with the others at the end of the run. */
+static void shift_tiny_entries(TRVlp lp) {
+    const simplex_lp *s = &lp->solver->splp;
+    simplex_iter *it = &lp->solver->it;
+    dual_state *ds = lp->dual;
+    for (int k = 0; k < ds->prow_nz; k++) {
+        int j = ds->prow_idx[k];
+        if (std::fabs(ds->prow[j]) > DR_TINY || it->status[j] == 1 || j >= s->ntotal) continue;
+        if (it->ban[j] == 32 || (ds->lo_on[j] && ds->up_on[j] && ds->lower[j] == ds->upper[j]))
+            continue;
+        if (dual_infeasibility(ds, it, j) > ds->harris_delta) dual_shift_cost(lp, j, it->d[j]);
+    }
+}
+
 /* One attempt on position p. forced takes a pivot the ratio test doubts. */
 static int dual_try(TRVenv env, TRVlp lp, int p, int forced) {
     simplex_iter *it = &lp->solver->it;
@@ -238,6 +275,7 @@ static int dual_try(TRVenv env, TRVlp lp, int p, int forced) {
             int j = ds->prow_idx[k];
             it->d[j] -= t * ds->prow[j];
         }
+        if (std::fabs(theta_d) * DR_TINY > ds->harris_delta) shift_tiny_entries(lp);
     }
     it->d[q] = 0.0;
     it->d[r_var] = -dir * theta_d;
@@ -272,7 +310,7 @@ static int dual_pivot(TRVenv env, TRVlp lp, int p) {
     int kmax = ds->candidates_max < 64 ? ds->candidates_max : 64;
     for (int k = 0; k < kmax; k++) {
         if (k > 0) {
-            p = dual_price_select(lp, ds->feas_tol);
+            p = dual_price_select(lp, select_tol(ds));
             if (p < 0) break;
         }
         int r = dual_try(env, lp, p, 0);
@@ -290,7 +328,10 @@ static int dual_pivot(TRVenv env, TRVlp lp, int p) {
     ds->n_banned = 0;
     int r = dual_try(env, lp, first, 1);
     if (r == RC_RETRY) {
-        ds->status = ds->phase == 2 ? LPS_NONOPT_FEAS : LPS_NONOPT_INFEAS;
+        /* a row the closer look at the end of phase 1 found has no usable
+         * pivot: phase 1 ends as it would have without that look */
+        if (ds->phase == 1 && ds->p1_rechecks > 0) ds->status = LPS_UNB_OR_INF;
+        else ds->status = ds->phase == 2 ? LPS_NONOPT_FEAS : LPS_NONOPT_INFEAS;
         return 0;
     }
     return r;

@@ -192,15 +192,17 @@ void dual_true_bounds(TRVlp lp) {
     for (int i = 0; i < s->m; i++) ds->rhs[i] = d->rhs[i];
 }
 
-/* The auxiliary box of phase 1, with a zero right-hand side. */
+/* The auxiliary box of phase 1, with a zero right-hand side. A variable
+ * that a repair dropped stays out as a fixed one. */
 static void aux_bounds(TRVlp lp) {
     const simplex_lp *s = &lp->solver->splp;
+    const simplex_iter *it = &lp->solver->it;
     dual_state *ds = lp->dual;
     for (int j = 0; j < s->ncoltot; j++) {
         bool fl = s->has_lower[j], fu = s->has_upper[j];
         ds->lower[j] = fl ? 0.0 : -1.0;
         ds->upper[j] = fu ? 0.0 : 1.0;
-        if (fl && fu) ds->lower[j] = ds->upper[j] = 0.0;
+        if ((fl && fu) || it->ban[j] == 32) ds->lower[j] = ds->upper[j] = 0.0;
         ds->lo_on[j] = 1;
         ds->up_on[j] = 1;
     }
@@ -257,7 +259,10 @@ double dual_pinf(TRVlp lp, double tol, int *count) {
 }
 
 /* A boxed nonbasic variable sits at the bound its reduced cost asks for;
- * returns the count of moves (the basic values are then stale). */
+ * returns the count of moves (the basic values are then stale). One that
+ * a repair dropped stays where it was put: the ratio test never lets it
+ * in, so its reduced cost drifts, and moving it across a wide box would
+ * undo the progress of the dual objective at every factorization. */
 int dual_fix_boxed(TRVlp lp) {
     const simplex_lp *s = &lp->solver->splp;
     simplex_iter *it = &lp->solver->it;
@@ -265,7 +270,7 @@ int dual_fix_boxed(TRVlp lp) {
     int moved = 0;
     for (int j = 0; j < s->ncoltot; j++) {
         int st = it->status[j];
-        if (st == 1 || !ds->lo_on[j] || !ds->up_on[j]) continue;
+        if (st == 1 || !ds->lo_on[j] || !ds->up_on[j] || it->ban[j] == 32) continue;
         if (ds->lower[j] == ds->upper[j]) {
             if (st == 3) it->status[j] = 0, moved++;
             continue;
@@ -279,7 +284,8 @@ int dual_fix_boxed(TRVlp lp) {
 }
 
 /* Count and sum of the dual infeasibilities of the nonbasic variables that
- * are not boxed in the working bounds. */
+ * are not boxed in the working bounds, nor dropped by a repair (they are
+ * judged at the end of the run). */
 int dual_count_dinf(TRVlp lp, double tol, double *sum) {
     const simplex_lp *s = &lp->solver->splp;
     const simplex_iter *it = &lp->solver->it;
@@ -288,7 +294,8 @@ int dual_count_dinf(TRVlp lp, double tol, double *sum) {
     double tot = 0.0;
     for (int j = 0; j < s->ncoltot; j++) {
         int st = it->status[j];
-        if (st == 1 || (ds->lo_on[j] && ds->up_on[j]) || it->ban[j] == 2) continue;
+        if (st == 1 || (ds->lo_on[j] && ds->up_on[j]) || it->ban[j] == 2 || it->ban[j] == 32)
+            continue;
         double v = dual_infeasibility(ds, it, j);
         if (v > tol) {
             n++;

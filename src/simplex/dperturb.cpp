@@ -18,6 +18,8 @@ void dual_progress_init(TRVenv env, dual_state *ds, int n) {
     pg->rate = 1e-6;
     pg->restart_count = 0;
     pg->fix_pending = 0;
+    pg->falls = 0;
+    pg->gave_up = 0;
 }
 
 void dual_progress_reset(TRVlp lp) {
@@ -95,16 +97,31 @@ int dual_remove(TRVenv env, TRVlp lp) {
     return 1;
 }
 
+/* A run that keeps falling back from phase 2 to phase 1 goes round in a
+ * loop that the watch of the objective never sees, since each change of
+ * phase starts the watch afresh; a healthy run falls back a few times at
+ * most. */
+#define DP_MAX_FALLS 10
+
 /* Run once per iteration after the update. Returns 0 or an error code. */
 int dual_progress_check(TRVenv env, TRVlp lp) {
     dual_state *ds = lp->dual;
     dual_progress *pg = &ds->progress;
     int n_it = lp->solver->it.n_it;
-    if (ds->phase != pg->phase || moved(ds)) {
+    bool looping = false;
+    if (ds->phase != pg->phase) {
+        if (pg->phase == 2 && ds->phase == 1) pg->falls++;
+        looping = pg->falls > DP_MAX_FALLS;
+        if (!looping) {
+            dual_progress_reset(lp);
+            return 0;
+        }
+        pg->falls = 0;
+    } else if (moved(ds)) {
         dual_progress_reset(lp);
         return 0;
     }
-    if (pg->last_it + pg->interval >= n_it) return 0;
+    if (!looping && pg->last_it + pg->interval >= n_it) return 0;
     if (!ds->perturb.active) {
         /* stalled: lift the degenerate vertex of the dual */
         double mm = 0.01 * std::fabs(ds->objective);
@@ -115,14 +132,22 @@ int dual_progress_check(TRVenv env, TRVlp lp) {
         dual_progress_reset(lp);
         return 0;
     }
-    if (pg->last_it + pg->sample >= n_it) return 0;
+    if (!looping && pg->last_it + pg->sample >= n_it) return 0;
     /* stalled under a perturbation: step the relaxation and perturb anew */
     if (pg->restart_count == 0) pg->fix_pending = 1;
+    double delta_before = ds->harris_delta;
     ds->harris_delta = tol_step(ds->harris_delta);
     if (ds->harris_delta < 1e-9) ds->harris_delta = 1e-9;
     if (pg->restart_count < 3) {
         pg->restart_count++;
         dual_perturb(env, lp);
+    } else if (looping || ds->harris_delta >= delta_before) {
+        /* the new starts are used up and the relaxation is at its floor:
+         * another interval would see the same vertices, so the run ends
+         * here as not optimal */
+        pg->gave_up = 1;
+        ds->status = LPS_NONOPT_INFEAS;
+        return 0;
     }
     dual_progress_reset(lp);
     return 0;

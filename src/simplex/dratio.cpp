@@ -21,7 +21,6 @@
 
 #include "simplex/dual.h"
 
-#define DR_TINY 1e-9      /* row entries at or below are skipped */
 #define DR_GOOD 1e-7      /* smallest pivot taken without a second look */
 
 int ratio_dual(TRVlp lp, int dir, double slope, int flipping) {

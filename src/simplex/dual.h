@@ -29,6 +29,10 @@
  * primal is not asked to tell unboundedness from infeasibility. */
 enum { LPS_UNB_OR_INF = 19 };
 
+/* Entries of the pivot row at or below this size do not take part in the
+ * ratio test. */
+#define DR_TINY 1e-9
+
 /* Pricing modes of the dual. */
 enum {
     DPR_PLAIN = 1,      /* largest squared infeasibility */
@@ -43,6 +47,8 @@ struct dual_progress {
     int base_it, last_it, interval, sample;
     double rate;
     int phase, fix_pending, restart_count;
+    int falls;          /* returns from phase 2 to phase 1 since the last stall */
+    int gave_up;        /* the stall control ended the run */
 };
 
 using dual_perturb_rec = perturb_rec;
@@ -99,6 +105,8 @@ struct dual_state {
     int norms_ready;
     int flip_count;
     int polished;         /* the optimum was checked at tightened tolerances */
+    int reincluded;       /* the dropped variables were let in again once */
+    int p1_rechecks;      /* an end of phase 1 looked at again more closely */
     iter_log log;
 };
 

@@ -120,6 +120,7 @@ static int main_loop(TRVenv env, TRVlp lp) {
         if (st != 0) return st;
         it->n_it++;
         if (phase_before == 1) ds->n_it_phase1++;
+        if (ds->status != 0) break; /* the stall control gave up */
         if (ds->log.display >= 2) dual_log_detail(env, lp);
         else if (ds->log.display == 1) dual_log(env, lp, 0);
     }
@@ -249,6 +250,56 @@ static double unscaled_violation(TRVlp lp, int dual) {
     return worst;
 }
 
+/* The ratio test lets a reduced cost pass zero by up to the Harris
+ * relaxation; the phase test calls it dual infeasible beyond the dual
+ * tolerance. Once the tolerance is tightened the relaxation must follow,
+ * or every step that uses it sends the run back to phase 1 at the next
+ * factorization, and phase 1 hands it back at once: a loop between the
+ * phases. */
+static void relax_within_tolerance(dual_state *ds) {
+    double cap = 0.5 * ds->dual_tol;
+    if (ds->harris_delta > cap) ds->harris_delta = cap;
+    if (ds->harris_base > cap) ds->harris_base = cap;
+}
+
+/* The variables a repair dropped (ban 32) come back at an optimum: each
+ * is released and its reduced cost judged against its bound. Returns 0
+ * when none was dropped or none violates, 1 when the run must go on with
+ * them, 2 when they still violate after one such round (the status is
+ * then set to not optimal). */
+static int release_dropped(TRVenv env, TRVlp lp) {
+    const simplex_lp *s = &lp->solver->splp;
+    simplex_iter *it = &lp->solver->it;
+    dual_state *ds = lp->dual;
+    int dropped = 0, v = 0;
+    for (int j = 0; j < s->ncoltot; j++) {
+        if (it->ban[j] != 32) continue;
+        it->ban[j] = 0;
+        dropped++;
+        if (it->status[j] == 1) continue;
+        double dj = it->d[j];
+        double bad = it->status[j] == 0 ? -dj : it->status[j] == 2 ? dj : std::fabs(dj);
+        if (!(bad > ds->dual_tol)) continue;
+        v++;
+        TRVmsg(env->errchannel,
+               ds->log.scaled ? "Scaled reduced cost of dropped variable '%.255s' = %g\n"
+                              : "Reduced cost of dropped variable '%.255s' = %g\n",
+               simplex_varname(env, lp, j), dj);
+    }
+    if (dropped == 0) return 0;
+    if (v == 0) {
+        TRVmsg(env->errchannel, "Dropped variables satisfy optimality criteria.\n");
+        return 0;
+    }
+    if (!ds->reincluded) {
+        ds->reincluded = 1;
+        TRVmsg(env->errchannel, "Attempting to reinclude dropped variables.\n");
+        return 1;
+    }
+    TRVmsg(env->errchannel, "There are %d violations to optimality.\n", v);
+    return 2;
+}
+
 /* Removal of the perturbation and the decision on fresh figures. Returns 1
  * when the main loop must run again, 2 when the primal takes over. */
 static int confirm_optimum(TRVenv env, TRVlp lp, int internal, int *err) {
@@ -294,6 +345,7 @@ static int confirm_optimum(TRVenv env, TRVlp lp, int internal, int *err) {
     tol = par_dbl(env, 1014);
     if (w > tol && ds->dual_tol > 1e-12) {
         ds->dual_tol = std::fmax(ds->dual_tol * tol / w, 1e-12);
+        relax_within_tolerance(ds);
         ds->status = 0;
         dual_set_phase(lp);
         return 1;
@@ -305,6 +357,7 @@ static int confirm_optimum(TRVenv env, TRVlp lp, int internal, int *err) {
         ds->polished = 1;
         ds->dual_tol *= 0.1;
         ds->feas_tol *= 0.1;
+        relax_within_tolerance(ds);
         if (dual_count_dinf(lp, ds->dual_tol, nullptr) > 0) {
             ds->status = 0;
             dual_set_phase(lp);
@@ -316,6 +369,21 @@ static int confirm_optimum(TRVenv env, TRVlp lp, int internal, int *err) {
             ds->status = 0;
             return 1;
         }
+    }
+    int r = release_dropped(env, lp);
+    if (r == 1) {
+        /* back in the ratio test, and at the bound their reduced costs
+         * ask for */
+        ds->status = 0;
+        dual_set_phase(lp);
+        return 1;
+    }
+    if (r == 2) {
+        /* the basis is primal feasible and a little dual infeasible: the
+         * primal can finish from it, unless it is the primal that handed
+         * over or the caller asked for no hand-over */
+        if (!internal && par_int(env, 1063) >= 0) return 2;
+        ds->status = LPS_NONOPT_FEAS;
     }
     return 0;
 }
@@ -418,6 +486,13 @@ int dual_opt(TRVenv env, TRVlp lp, int it_so_far, int it1_so_far, double start_t
         ds->objective = dual_objective(lp);
     }
     if (ds->phase == 1) dual_true_values(lp);
+    if (ds->progress.gave_up) {
+        /* a stall given up: feasible means primal feasible, as after a
+         * limit */
+        int n_inf = 0;
+        dual_pinf(lp, ds->feas_tol, &n_inf);
+        ds->status = ds->phase == 2 && n_inf == 0 ? LPS_NONOPT_FEAS : LPS_NONOPT_INFEAS;
+    }
     if (ds->log.display >= 1) dual_log(env, lp, 1);
     lp->stat = ds->status;
     return 0;
