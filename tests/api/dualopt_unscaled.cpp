@@ -16,30 +16,6 @@
 
 namespace {
 
-struct Outcome {
-    int stat = 0, itcnt = 0;
-    std::string kkt;
-};
-
-Outcome solve(TRVenv env, const Model &md, bool dual) {
-    Outcome o;
-    TRVlp lp = md.copy_into(env);
-    EXPECT_EQ(dual ? TRVdualopt(env, lp) : TRVprimopt(env, lp), 0);
-    o.stat = TRVgetstat(env, lp);
-    o.itcnt = TRVgetitcnt(env, lp);
-    if (o.stat == 1) {
-        Solution s;
-        int n = md.ncols(), m = md.nrows();
-        s.x.resize(n), s.dj.resize(n), s.pi.resize(m), s.slack.resize(m);
-        EXPECT_EQ(TRVsolution(env, lp, &s.stat, &s.obj, s.x.data(), s.pi.data(),
-                              s.slack.data(), s.dj.data()),
-                  0);
-        o.kkt = check_kkt(md, s, 1e-6);
-    }
-    TRVfreeprob(env, &lp);
-    return o;
-}
-
 /* A fresh environment for each run, so that the random stream of the
  * perturbation starts alike whatever ran before. */
 struct Unscaled : TestEnv {
@@ -52,7 +28,7 @@ struct Unscaled : TestEnv {
 
 Outcome run(const Model &md, bool dual) {
     Unscaled t;
-    return solve(t.env, md, dual);
+    return solve_outcome(t.env, md, dual);
 }
 
 } // namespace
@@ -104,7 +80,7 @@ TEST(DualUnscaled, DroppedVariablesComeBackAtTheEnd) {
      * the optimum and says so on the error channel */
     Unscaled t;
     Model md = badly_scaled(70);
-    Outcome d = solve(t.env, md, true);
+    Outcome d = solve_outcome(t.env, md, true);
     EXPECT_EQ(d.stat, 1);
     EXPECT_NE(t.err.find("fixed because of singularity"), std::string::npos) << t.err;
     bool judged = t.err.find("Dropped variables satisfy optimality criteria.") != std::string::npos ||

@@ -13,30 +13,6 @@
 
 namespace {
 
-struct Outcome {
-    int stat = 0, itcnt = 0;
-    std::string kkt;
-};
-
-Outcome solve(TRVenv env, const Model &md, bool dual) {
-    Outcome o;
-    TRVlp lp = md.copy_into(env);
-    EXPECT_EQ(dual ? TRVdualopt(env, lp) : TRVprimopt(env, lp), 0);
-    o.stat = TRVgetstat(env, lp);
-    o.itcnt = TRVgetitcnt(env, lp);
-    if (o.stat == 1) {
-        Solution s;
-        int n = md.ncols(), m = md.nrows();
-        s.x.resize(n), s.dj.resize(n), s.pi.resize(m), s.slack.resize(m);
-        EXPECT_EQ(TRVsolution(env, lp, &s.stat, &s.obj, s.x.data(), s.pi.data(),
-                              s.slack.data(), s.dj.data()),
-                  0);
-        o.kkt = check_kkt(md, s, 1e-6);
-    }
-    TRVfreeprob(env, &lp);
-    return o;
-}
-
 void unscaled(TestEnv &t) {
     TRVsetintparam(t.env, 1019, 0);
     TRVsetintparam(t.env, 1020, 20000);
@@ -55,9 +31,9 @@ TEST(PrimalUnscaled, StallingSeedsReachTheDualsOptimum) {
     for (unsigned seed : {1u, 2u, 3u, 5u, 30u}) {
         Model md = badly_scaled(seed);
         std::string what = "seed " + std::to_string(seed);
-        Outcome d = solve(t.env, md, true);
+        Outcome d = solve_outcome(t.env, md, true);
         ASSERT_EQ(d.stat, 1) << what << ": the dual proves an optimum";
-        Outcome p = solve(t.env, md, false);
+        Outcome p = solve_outcome(t.env, md, false);
         EXPECT_EQ(p.stat, d.stat) << what << " after " << p.itcnt << " iterations";
         EXPECT_LT(p.itcnt, 20000) << what;
         EXPECT_EQ(p.kkt, "") << what;
@@ -73,11 +49,11 @@ TEST(PrimalUnscaled, ManySeedsAgreeWithTheDual) {
     for (unsigned seed = 1; seed <= 60; seed++) {
         Model md = badly_scaled(seed);
         std::string what = "seed " + std::to_string(seed);
-        Outcome p = solve(t.env, md, false);
+        Outcome p = solve_outcome(t.env, md, false);
         EXPECT_NE(p.stat, 5) << what;
         EXPECT_NE(p.stat, 6) << what;
         EXPECT_EQ(p.kkt, "") << what;
-        Outcome d = solve(t.env, md, true);
+        Outcome d = solve_outcome(t.env, md, true);
         if (p.stat == d.stat) agree++;
     }
     EXPECT_GE(agree, 55);
@@ -92,7 +68,7 @@ TEST(PrimalUnscaled, AStallThatCannotBeBrokenEnds) {
     for (unsigned seed : {120u, 336u}) {
         Model md = badly_scaled(seed);
         std::string what = "seed " + std::to_string(seed);
-        Outcome p = solve(t.env, md, false);
+        Outcome p = solve_outcome(t.env, md, false);
         EXPECT_TRUE(p.stat == 1 || p.stat == 9 || p.stat == 10) << what << " status " << p.stat;
         EXPECT_LT(p.itcnt, 20000) << what;
         EXPECT_EQ(p.kkt, "") << what;

@@ -151,4 +151,30 @@ inline Model badly_scaled(unsigned seed) {
     return md;
 }
 
+/* A solve of a fresh copy of the model by one method: its status, its
+ * iteration count, and for an optimum the check of its conditions. */
+struct Outcome {
+    int stat = 0, itcnt = 0;
+    std::string kkt;
+};
+
+inline Outcome solve_outcome(TRVenv env, const Model &md, bool dual) {
+    Outcome o;
+    TRVlp lp = md.copy_into(env);
+    EXPECT_EQ(dual ? TRVdualopt(env, lp) : TRVprimopt(env, lp), 0);
+    o.stat = TRVgetstat(env, lp);
+    o.itcnt = TRVgetitcnt(env, lp);
+    if (o.stat == 1) {
+        Solution s;
+        int n = md.ncols(), m = md.nrows();
+        s.x.resize(n), s.dj.resize(n), s.pi.resize(m), s.slack.resize(m);
+        EXPECT_EQ(TRVsolution(env, lp, &s.stat, &s.obj, s.x.data(), s.pi.data(),
+                              s.slack.data(), s.dj.data()),
+                  0);
+        o.kkt = check_kkt(md, s, 1e-6);
+    }
+    TRVfreeprob(env, &lp);
+    return o;
+}
+
 #endif
