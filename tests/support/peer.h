@@ -58,11 +58,15 @@ struct PeerRun {
 
 inline const char *peer_program() { return "/usr/bin/clp"; }
 
-/* clp on a model file with the primal simplex. */
-inline PeerRun run_clp(const std::string &file) {
+/* clp on a model file with the given method ("-primalsimplex" or
+ * "-dualsimplex"); solve_seconds, when given, gets the time clp reports
+ * for its optimisation alone (after reading the file). */
+inline PeerRun run_clp(const std::string &file, const char *method = "-primalsimplex",
+                       double *solve_seconds = nullptr) {
     PeerRun r;
+    if (solve_seconds) *solve_seconds = 0.0;
     if (!path_exists(peer_program())) return r;
-    std::string cmd = std::string(peer_program()) + " '" + file + "' -primalsimplex 2>&1";
+    std::string cmd = std::string(peer_program()) + " '" + file + "' " + method + " 2>&1";
     auto t0 = std::chrono::steady_clock::now();
     FILE *p = popen(cmd.c_str(), "r");
     if (p == nullptr) return r;
@@ -75,11 +79,12 @@ inline PeerRun run_clp(const std::string &file) {
     size_t k = out.find("Optimal objective ");
     if (k != std::string::npos) {
         r.optimal = true;
-        const char *s = out.c_str() + k + 18;
         char *end = nullptr;
-        r.objective = std::strtod(s, &end);
+        r.objective = std::strtod(out.c_str() + k + 18, &end);
         const char *dash = std::strstr(end, "- ");
         if (dash != nullptr) r.iterations = std::strtol(dash + 2, nullptr, 10);
+        const char *tm = std::strstr(end, "time ");
+        if (tm != nullptr && solve_seconds) *solve_seconds = std::strtod(tm + 5, nullptr);
     }
     return r;
 }
