@@ -317,9 +317,9 @@ int bas_readcopy(TRVenv env, TRVlp lp, const char *filename, const char *suffix)
 
 TRV_EXPORT int TRVmbaseread(TRVenv env, const char *filename, int numcols, int numrows,
                             char **colname, char **rowname, int *cstat, int *rstat) {
-    if (!env_valid(env)) return 1002;
-    int status = 0;
-    if (filename == nullptr) status = 1421;
+    int status = call_enter(&env, nullptr, 0);
+    if (status != 0) {
+    } else if (filename == nullptr) status = 1421;
     else if (numcols < 0 || numrows < 0) status = 1003;
     else if ((numcols > 0 && cstat == nullptr) || (numrows > 0 && rstat == nullptr))
         status = 1004;
@@ -327,16 +327,12 @@ TRV_EXPORT int TRVmbaseread(TRVenv env, const char *filename, int numcols, int n
         bas_target t = {numcols, numrows, colname, rowname, nullptr};
         status = bas_read(env, filename, ".bas", &t, cstat, rstat);
     }
-    if (status != 0) env_report(env, &status);
-    return status;
+    return call_leave(env, status);
 }
 
 TRV_EXPORT int TRVreadcopybase(TRVenv env, TRVlp lp, const char *filename) {
-    if (!env_valid(env)) return 1002;
-    int status = lp_valid(lp) ? 0 : 1009;
+    int status = call_enter(&env, &lp, CALL_MERGE);
     if (status == 0 && filename == nullptr) status = 1421;
-    if (status == 0) status = lp_flush(env, lp, 1);
     if (status == 0) status = bas_readcopy(env, lp, filename, ".bas");
-    if (status != 0) env_report(env, &status);
-    return status;
+    return call_leave(env, status);
 }

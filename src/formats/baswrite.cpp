@@ -93,9 +93,7 @@ int bas_write(TRVenv env, TRVlp lp, const char *filename, const int *cstat,
 }
 
 TRV_EXPORT int TRVmbasewrite(TRVenv env, TRVlp lp, const char *filename) {
-    if (!env_valid(env)) return 1002;
-    int status = lp_valid(lp) ? 0 : 1009;
-    if (status == 0) status = lp_flush(env, lp, 1);
+    int status = call_enter(&env, &lp, CALL_MERGE);
     if (status == 0 && filename == nullptr) status = 1421;
     int *cstat = nullptr, *rstat = nullptr;
     if (status == 0) {
@@ -110,8 +108,7 @@ TRV_EXPORT int TRVmbasewrite(TRVenv env, TRVlp lp, const char *filename) {
     }
     trv_free(&cstat);
     trv_free(&rstat);
-    if (status != 0) env_report(env, &status);
-    return status;
+    return call_leave(env, status);
 }
 
 /* ---- the recovery file ------------------------------------------------------- */

@@ -735,7 +735,7 @@ int read_lines(lp_state *st, rw_input *in) {
         if (status < 0 && st->interactive && status != -1001) {
             rollback(st, &mark);
             TRVmsg(st->env->reschannel, "Please reenter last line:\n");
-            TRVflushchannel(st->env, st->env->reschannel);
+            channel_flush(st->env->reschannel);
             continue;
         }
         if (status != 0) return status;
@@ -1010,7 +1010,7 @@ int lp_read(TRVenv env, const char *filename, int want, read_model *m) {
         st->interactive = true;
         st->source = "<stdin>";
         TRVmsg(env->reschannel, "Enter new problem ['end' on a separate line terminates]:\n");
-        TRVflushchannel(env, env->reschannel);
+        channel_flush(env->reschannel);
     } else {
         st->source = filename;
         st->fp = trv_fopen(env, filename, "r", ".lp", 0, 1, &status);
@@ -1040,8 +1040,9 @@ int lp_read(TRVenv env, const char *filename, int want, read_model *m) {
 /* ---- the exported readers ------------------------------------------------------------- */
 
 static int lp_export(TRVenv env, const char *filename, int want, const rm_out *o) {
-    if (!env_valid(env)) return 1002;
-    int status = rm_out_check(o);
+    int status = call_enter(&env, nullptr, 0);
+    if (status != 0) return status;
+    status = rm_out_check(o);
     read_model m;
     std::memset(&m, 0, sizeof m);
     if (status == 0) status = lp_read(env, filename, want, &m);
@@ -1054,8 +1055,7 @@ static int lp_export(TRVenv env, const char *filename, int want, const rm_out *o
                source);
     if (status != 0) rm_free(&m);
     rm_give(&m, o);
-    if (status != 0) env_report(env, &status);
-    return status;
+    return call_leave(env, status);
 }
 
 #define LP_OUT_BASE                                                                        \

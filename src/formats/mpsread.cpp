@@ -1151,8 +1151,9 @@ int mps_read(TRVenv env, const char *filename, int want, read_model *m) {
 /* ---- the exported readers ---------------------------------------------------------------- */
 
 static int mps_export(TRVenv env, const char *filename, int want, const rm_out *o) {
-    if (!env_valid(env)) return 1002;
-    int status = rm_out_check(o);
+    int status = call_enter(&env, nullptr, 0);
+    if (status != 0) return status;
+    status = rm_out_check(o);
     read_model m;
     std::memset(&m, 0, sizeof m);
     if (status == 0) status = mps_read(env, filename, want | RM_INTS | RM_QUAD, &m);
@@ -1167,8 +1168,7 @@ static int mps_export(TRVenv env, const char *filename, int want, const rm_out *
         TRVmsg(env->warnchannel, "Problem contains quadratic objective coefficients, ignored.\n");
     if (status != 0) rm_free(&m);
     rm_give(&m, o);
-    if (status != 0) env_report(env, &status);
-    return status;
+    return call_leave(env, status);
 }
 
 #define MPS_OUT_BASE                                                                      \

@@ -395,14 +395,6 @@ static int read_format(const char *filename, const char *filetype) {
  * library yet. */
 #define RW_NOT_BUILT 1003
 
-static int readcopy_checks(TRVlp lp, const char *filename) {
-    if (!lp_valid(lp)) return 1009;
-    if (lp->probtype == PROB_RELAXED || lp->probtype == PROB_FIXED) return 1023;
-    if (lp->memmodel != MEM_COPY) return 1008;
-    if (filename == nullptr) return 1421;
-    return 0;
-}
-
 /* Copies what was read into the problem; the problem keeps its old model
  * until here. */
 static int readcopy_apply(TRVenv env, TRVlp lp, read_model *m) {
@@ -418,23 +410,22 @@ static int readcopy_apply(TRVenv env, TRVlp lp, read_model *m) {
         objname = trv_strdup(m->objname);
         if (objname == nullptr) return 1001;
     }
-    int status = TRVcopylpwnames(env, lp, m->ncols, m->nrows, m->objsen, m->obj,
-                                 m->rhs, m->sense, m->matbeg, m->matcnt, m->matind,
-                                 m->matval, m->lb, m->ub, m->rngval, m->colname,
-                                 m->rowname);
+    int status = lp_copy(env, lp, m->ncols, m->nrows, m->objsen, m->obj, m->rhs,
+                         m->sense, m->matbeg, m->matcnt, m->matind, m->matval, m->lb,
+                         m->ub, m->rngval, m->colname, m->rowname);
     if (status == 0 && objname != nullptr) {
         trv_free(&lp->lpdata->objname);
         lp->lpdata->objname = objname;
         objname = nullptr;
     }
     trv_free(&objname);
-    return -status; /* the copy has reported */
+    return status;
 }
 
 TRV_EXPORT int TRVreadcopyprob(TRVenv env, TRVlp lp, const char *filename,
                                const char *filetype) {
-    if (!env_valid(env)) return 1002;
-    int status = readcopy_checks(lp, filename);
+    int status = call_enter(&env, &lp, CALL_SINGLE | CALL_COPIED);
+    if (status == 0 && filename == nullptr) status = 1421;
     if (status == 0) {
         read_model m;
         std::memset(&m, 0, sizeof m);
@@ -456,8 +447,7 @@ TRV_EXPORT int TRVreadcopyprob(TRVenv env, TRVlp lp, const char *filename,
         if (status == 0) status = readcopy_apply(env, lp, &m);
         rm_free(&m);
     }
-    if (status != 0) env_report(env, &status);
-    return status;
+    return call_leave(env, status);
 }
 
 /* The writing format: the type word, or the name's extension before any
@@ -487,16 +477,14 @@ static int write_format(const char *filename, const char *filetype) {
 
 TRV_EXPORT int TRVwriteprob(TRVenv env, TRVlp lp, const char *filename,
                             const char *filetype) {
-    if (!env_valid(env)) return 1002;
-    int status = 0;
-    if (!lp_resolve(&lp))
-        status = 1009;
+    int status = call_enter(&env, &lp, CALL_VIEW);
+    if (status != 0)
+        ;
     else if (filename == nullptr)
         status = 1421;
     else if (write_format(filename, filetype) == FMT_NONE)
         status = 1424;
     else
         status = RW_NOT_BUILT; /* the writers come with their formats */
-    if (status != 0) env_report(env, &status);
-    return status;
+    return call_leave(env, status);
 }

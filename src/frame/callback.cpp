@@ -5,7 +5,7 @@
 #include "trv.h"
 
 static int cb_set(TRVenv env, int fam, TRVcallbackfunc func, void *handle) {
-    if (!env_valid(env)) return 1002;
+    if (call_enter(&env, nullptr, 0) != 0) return 1002;
     env->cur[fam]->cbfunc = func;
     env->cur[fam]->cbhandle = func != nullptr ? handle : nullptr;
     return 0;
@@ -13,7 +13,7 @@ static int cb_set(TRVenv env, int fam, TRVcallbackfunc func, void *handle) {
 
 static int cb_get(TRVenv env, int fam, TRVcallbackfunc *func_p,
                   void **handle_p) {
-    if (!env_valid(env)) return 1002;
+    if (call_enter(&env, nullptr, 0) != 0) return 1002;
     if (func_p != nullptr) *func_p = env->cur[fam]->cbfunc;
     if (handle_p != nullptr) *handle_p = env->cur[fam]->cbhandle;
     return 0;
@@ -51,7 +51,7 @@ TRV_EXPORT int TRVgetnetcallbackfunc(TRVenv env, TRVcallbackfunc *func_p,
 int cb_call(TRVenv env, int fam, void *cbdata, int wherefrom) {
     TRVcallbackfunc fn = env->cur[fam]->cbfunc;
     if (fn == nullptr) return 0;
-    return fn(env, cbdata, wherefrom, env->cur[fam]->cbhandle) != 0;
+    return fn(env->handle, cbdata, wherefrom, env->cur[fam]->cbhandle) != 0;
 }
 
 /* The places whose optimisers have not landed: the whichinfo numbers of
@@ -80,7 +80,7 @@ static int cbinfo_nostate(void *cbdata, int wherefrom, int whichinfo) {
 
 TRV_EXPORT int TRVgetcallbackinfo(TRVenv env, void *cbdata, int wherefrom, int whichinfo,
                                   void *result_p) {
-    if (!env_valid(env)) return 1002;
+    if (call_enter(&env, nullptr, 0) != 0) return 1002;
     int status;
     if (wherefrom < 1 || wherefrom > 111 || (wherefrom >= 8 && wherefrom <= 100)) {
         status = 1003;
@@ -91,6 +91,5 @@ TRV_EXPORT int TRVgetcallbackinfo(TRVenv env, void *cbdata, int wherefrom, int w
     } else {
         status = cbinfo_nostate(cbdata, wherefrom, whichinfo);
     }
-    if (status != 0) env_report(env, &status);
-    return status;
+    return call_leave(env, status);
 }

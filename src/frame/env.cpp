@@ -36,7 +36,8 @@ void env_disown(TRVenv env, int kind, void *object) {
     }
 }
 
-/* Frees everything a (possibly half-built) environment holds. */
+/* Frees everything a (possibly half-built) environment holds; its handle,
+ * if it has one, is stale from here on. */
 static void env_teardown(TRVenv env) {
     while (env->ownedhead != nullptr) {
         own_node *n = env->ownedhead;
@@ -44,17 +45,17 @@ static void env_teardown(TRVenv env) {
         switch (n->kind) {
         case OWN_PROBLEM: {
             TRVlp lp = static_cast<TRVlp>(obj);
-            TRVfreeprob(env, &lp);
+            TRVfreeprob(env->handle, &lp);
             break;
         }
         case OWN_CHANNEL: {
             TRVchannel c = static_cast<TRVchannel>(obj);
-            TRVdelchannel(env, &c);
+            TRVdelchannel(env->handle, &c);
             break;
         }
         case OWN_CLONE: {
             TRVenv child = static_cast<TRVenv>(obj);
-            TRVfreeparenv(env, &child);
+            TRVfreeparenv(env->handle, &child);
             break;
         }
         default:
@@ -77,10 +78,11 @@ static void env_teardown(TRVenv env) {
         if (child == nullptr) continue;
         FILE *lf = child->cur[PAR_LP] ? child->cur[PAR_LP]->logfile : nullptr;
         if (lf != nullptr) {
-            TRVsetlogfile(child, nullptr);
+            channel_setlogfile(child, nullptr);
             std::fclose(lf);
         }
-        TRVfreeparenv(env, &child);
+        TRVenv h = child->handle;
+        TRVfreeparenv(env->handle, &h);
     }
     trv_free(&env->parchild);
     env->nparchild = 0;
@@ -91,18 +93,19 @@ static void env_teardown(TRVenv env) {
                            &env->reschannel, &env->logchannel};
     for (TRVchannel *cp : std4) {
         if (*cp == nullptr) continue;
-        TRVdisconnectchannel(env, *cp);
+        channel_clear(*cp);
         trv_free(cp);
     }
     static const int order[PAR_NFAM] = {PAR_LP, PAR_MIP, PAR_NET, PAR_BAR, PAR_QP};
     for (int f : order) trv_free(&env->cur[f]);
+    if (env->handle != nullptr) handle_drop(env->handle);
     env->self = nullptr;
-    trv_handle_free(env, sizeof *env);
+    trv_free(&env);
 }
 
 /* Builds an environment by the steps of open; null with *status set. */
 static TRVenv env_build(int *status) {
-    TRVenv env = static_cast<TRVenv>(trv_handle_alloc(sizeof(trvenv_rec)));
+    TRVenv env = trv_zalloc<trvenv_rec>(1);
     if (env == nullptr) {
         *status = 1001;
         return nullptr;
@@ -116,10 +119,10 @@ static TRVenv env_build(int *status) {
     bool ok = true;
     for (int f = 0; f < PAR_NFAM; f++) ok = ok && env->cur[f] != nullptr;
     if (ok) {
-        env->errchannel = TRVaddchannel(env);
-        env->warnchannel = TRVaddchannel(env);
-        env->reschannel = TRVaddchannel(env);
-        env->logchannel = TRVaddchannel(env);
+        env->errchannel = channel_new();
+        env->warnchannel = channel_new();
+        env->reschannel = channel_new();
+        env->logchannel = channel_new();
         ok = env->errchannel && env->warnchannel && env->reschannel &&
              env->logchannel;
     }
@@ -129,14 +132,12 @@ static TRVenv env_build(int *status) {
         env->max[f] = trv_zalloc<par_block>(1);
         ok = env->def[f] && env->min[f] && env->max[f];
     }
+    if (ok) {
+        env->handle = static_cast<TRVenv>(handle_new(HANDLE_ENV, env, nullptr, nullptr));
+        ok = env->handle != nullptr;
+    }
     if (!ok) {
-        if (env->cur[PAR_LP] == nullptr) {
-            /* not yet a valid handle: free by hand */
-            for (int f = 0; f < PAR_NFAM; f++) trv_free(&env->cur[f]);
-            trv_handle_free(env, sizeof *env);
-        } else {
-            env_teardown(env);
-        }
+        env_teardown(env);
         *status = 1001;
         return nullptr;
     }
@@ -152,27 +153,24 @@ TRV_EXPORT TRVenv TRVopenTORVA(int *status_p) {
     int status = 0;
     TRVenv env = env_build(&status);
     if (status_p != nullptr) *status_p = status;
-    return env;
+    return env != nullptr ? env->handle : nullptr;
 }
 
 TRV_EXPORT int TRVcloseTORVA(TRVenv *env_p) {
-    if (env_p == nullptr || !env_valid(*env_p)) return 1002;
+    if (env_p == nullptr) return 1002;
     TRVenv env = *env_p;
-    if (env->parent != nullptr) {
-        int status = 1021;
-        env_report(env, &status);
-        return status;
-    }
+    int status = call_enter(&env, nullptr, 0);
+    if (status == 0 && env->parent != nullptr) status = 1021;
+    if (status != 0) return call_leave(env, status);
     env_teardown(env);
     *env_p = nullptr;
     return 0;
 }
 
 TRV_EXPORT TRVenv TRVparenv(TRVenv env, int *status_p) {
-    int status = 0;
     TRVenv child = nullptr;
-    if (!env_valid(env)) {
-        status = 1002;
+    int status = call_enter(&env, nullptr, 0);
+    if (status != 0) {
     } else if (env->parent != nullptr) {
         status = 1019;
     } else if (env->nclones >= env->maxthreads) {
@@ -181,7 +179,7 @@ TRV_EXPORT TRVenv TRVparenv(TRVenv env, int *status_p) {
         child = env_build(&status);
         if (child != nullptr) {
             child->maxthreads = env->maxthreads;
-            status = env_own(env, OWN_CLONE, child);
+            status = env_own(env, OWN_CLONE, child->handle);
             if (status != 0) {
                 env_teardown(child);
                 child = nullptr;
@@ -192,22 +190,19 @@ TRV_EXPORT TRVenv TRVparenv(TRVenv env, int *status_p) {
             }
         }
     }
-    if (status != 0) env_report(env, &status);
+    status = call_leave(env, status);
     if (status_p != nullptr) *status_p = status;
-    return child;
+    return child != nullptr ? child->handle : nullptr;
 }
 
 TRV_EXPORT int TRVfreeparenv(TRVenv env, TRVenv *child_p) {
-    if (!env_valid(env)) return 1002;
+    int status = call_enter(&env, nullptr, 0);
+    if (status != 0) return status;
     if (child_p == nullptr || *child_p == nullptr) return 0;
-    TRVenv child = *child_p;
-    int status = 0;
-    if (!env_valid(child) || child->parent != env) {
-        status = 1003;
-        env_report(env, &status);
-        return status;
-    }
-    env_disown(env, OWN_CLONE, child);
+    TRVenv handle = *child_p;
+    TRVenv child = env_record(handle);
+    if (child == nullptr || child->parent != env) return call_leave(env, 1003);
+    env_disown(env, OWN_CLONE, handle);
     env_teardown(child);
     env->nclones--;
     *child_p = nullptr;
@@ -215,20 +210,22 @@ TRV_EXPORT int TRVfreeparenv(TRVenv env, TRVenv *child_p) {
 }
 
 TRV_EXPORT const char *TRVversion(TRVenv env) {
-    return env_valid(env) ? env->version : nullptr;
+    return call_enter(&env, nullptr, 0) == 0 ? env->version : nullptr;
 }
 
 TRV_EXPORT int TRVEgetThreadNumber(TRVenv env) {
-    return env_valid(env) ? env->threadnum : 0;
+    return call_enter(&env, nullptr, 0) == 0 ? env->threadnum : 0;
 }
 
 TRV_EXPORT int TRVEsetnamefunctions(TRVenv env, void *handle, TRVnamefunc rowfn,
                                     TRVnamefunc colfn) {
-    if (!env_valid(env)) return 1002;
-    env->namefnhandle = handle;
-    env->rownamefn = rowfn;
-    env->colnamefn = colfn;
-    return 0;
+    int status = call_enter(&env, nullptr, 0);
+    if (status == 0) {
+        env->namefnhandle = handle;
+        env->rownamefn = rowfn;
+        env->colnamefn = colfn;
+    }
+    return call_leave(env, status);
 }
 
 bool range_check(TRVenv env, const char *fname, int begin, int end, int low,

@@ -383,13 +383,18 @@ void errhash_build(int *hash) {
     }
 }
 
-TRV_EXPORT char *TRVgeterrorstring(TRVenv env, int code, char *buffer) {
+/* The text of code in buffer; env (a record, or null for the plain scan)
+ * lends its hash index. */
+static char *err_string(TRVenv env, int code, char *buffer) {
     if (code < 1 || code > 99999 || buffer == nullptr) return nullptr;
-    if (!env_valid(env)) env = nullptr;
     int k = err_find(env, code);
     const char *text = k < 0 ? "Unknown error code" : err_table[k].text;
     std::snprintf(buffer, TRV_MSGBUF, "TORVA Error %5d: %s.\n", code, text);
     return k < 0 ? nullptr : buffer;
+}
+
+TRV_EXPORT char *TRVgeterrorstring(TRVenv env, int code, char *buffer) {
+    return err_string(env_record(env), code, buffer);
 }
 
 TRV_EXPORT char *TRVgetstatstring(TRVenv, int status, char *buffer) {
@@ -402,7 +407,7 @@ TRV_EXPORT char *TRVgetstatstring(TRVenv, int status, char *buffer) {
 }
 
 const char *env_errfmt(TRVenv env, int code) {
-    if (TRVgeterrorstring(env, code, env->msgbuf) == nullptr) {
+    if (err_string(env, code, env->msgbuf) == nullptr) {
         std::snprintf(env->msgbuf, sizeof env->msgbuf,
                       "Unknown error code %d.\n", code);
         return nullptr;
@@ -438,7 +443,7 @@ void env_report(TRVenv env, int *status) {
     if ((s == 1101 || s == 1117 || s == 1118) && par_int(env, 1043) == 0)
         return;
     char buf[TRV_MSGBUF];
-    if (TRVgeterrorstring(env, s, buf) == nullptr)
+    if (err_string(env, s, buf) == nullptr)
         std::snprintf(buf, sizeof buf,
                       "TORVA Error %5d:  Unknown error code.\n", s);
     TRVmsg(env->errchannel, "%s", buf);

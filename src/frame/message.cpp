@@ -55,13 +55,13 @@ bool channel_hasfile(TRVchannel channel, FILE *file) {
     return false;
 }
 
-static TRVchannel channel_new(void) {
+TRVchannel channel_new(void) {
     TRVchannel c = static_cast<TRVchannel>(trv_malloc(sizeof *c));
     if (c != nullptr) c->head = nullptr;
     return c;
 }
 
-static void channel_clear(TRVchannel channel) {
+void channel_clear(TRVchannel channel) {
     while (channel->head != nullptr) {
         chan_dest *d = channel->head;
         channel->head = d->next;
@@ -72,40 +72,7 @@ static void channel_clear(TRVchannel channel) {
     }
 }
 
-TRV_EXPORT TRVchannel TRVaddchannel(TRVenv env) {
-    if (!env_valid(env)) return nullptr;
-    TRVchannel c = channel_new();
-    if (c == nullptr) {
-        int status = 1001;
-        env_report(env, &status);
-        return nullptr;
-    }
-    int status = env_own(env, OWN_CHANNEL, c);
-    if (status != 0) {
-        trv_free(&c);
-        env_report(env, &status);
-        return nullptr;
-    }
-    return c;
-}
-
-TRV_EXPORT void TRVdelchannel(TRVenv env, TRVchannel *channel_p) {
-    if (!env_valid(env) || channel_p == nullptr || *channel_p == nullptr)
-        return;
-    TRVchannel c = *channel_p;
-    channel_clear(c);
-    env_disown(env, OWN_CHANNEL, c);
-    trv_free(&c);
-    *channel_p = nullptr;
-}
-
-TRV_EXPORT void TRVdisconnectchannel(TRVenv env, TRVchannel channel) {
-    if (!env_valid(env) || channel == nullptr) return;
-    channel_clear(channel);
-}
-
-TRV_EXPORT void TRVflushchannel(TRVenv env, TRVchannel channel) {
-    if (!env_valid(env) || channel == nullptr) return;
+void channel_flush(TRVchannel channel) {
     for (chan_dest *d = channel->head; d != nullptr; d = d->next) {
         if (d->kind == 1) std::fflush(d->file);
         if (d->kind == 2 && d->fileslot != nullptr && *d->fileslot != nullptr)
@@ -113,12 +80,62 @@ TRV_EXPORT void TRVflushchannel(TRVenv env, TRVchannel channel) {
     }
 }
 
+/* A channel of env's: one of the four standard ones or one it added and
+ * has not deleted. Anything else (a channel of another environment, a
+ * deleted one, garbage) is not touched. */
+static bool env_channel(TRVenv env, TRVchannel c) {
+    if (c == nullptr) return false;
+    if (c == env->errchannel || c == env->warnchannel || c == env->reschannel ||
+        c == env->logchannel)
+        return true;
+    for (own_node *n = env->ownedhead; n != nullptr; n = n->next)
+        if (n->kind == OWN_CHANNEL && n->object == c) return true;
+    return false;
+}
+
+TRV_EXPORT TRVchannel TRVaddchannel(TRVenv env) {
+    int status = call_enter(&env, nullptr, 0);
+    if (status != 0) return nullptr;
+    TRVchannel c = channel_new();
+    if (c == nullptr) status = 1001;
+    if (status == 0) status = env_own(env, OWN_CHANNEL, c);
+    if (status != 0) {
+        trv_free(&c);
+        call_leave(env, status);
+    }
+    return c;
+}
+
+TRV_EXPORT void TRVdelchannel(TRVenv env, TRVchannel *channel_p) {
+    if (call_enter(&env, nullptr, 0) != 0 || channel_p == nullptr) return;
+    TRVchannel c = *channel_p;
+    bool owned = false;
+    for (own_node *n = env->ownedhead; n != nullptr; n = n->next)
+        if (n->kind == OWN_CHANNEL && n->object == c) owned = true;
+    if (!owned) return; /* a standard channel, another's, or gone already */
+    channel_clear(c);
+    env_disown(env, OWN_CHANNEL, c);
+    trv_free(&c);
+    *channel_p = nullptr;
+}
+
+TRV_EXPORT void TRVdisconnectchannel(TRVenv env, TRVchannel channel) {
+    if (call_enter(&env, nullptr, 0) != 0 || !env_channel(env, channel)) return;
+    channel_clear(channel);
+}
+
+TRV_EXPORT void TRVflushchannel(TRVenv env, TRVchannel channel) {
+    if (call_enter(&env, nullptr, 0) != 0 || !env_channel(env, channel)) return;
+    channel_flush(channel);
+}
+
 TRV_EXPORT int TRVflushstdchannels(TRVenv env) {
-    if (!env_valid(env)) return 1002;
-    TRVflushchannel(env, env->reschannel);
-    TRVflushchannel(env, env->logchannel);
-    TRVflushchannel(env, env->errchannel);
-    TRVflushchannel(env, env->warnchannel);
+    int status = call_enter(&env, nullptr, 0);
+    if (status != 0) return status;
+    channel_flush(env->reschannel);
+    channel_flush(env->logchannel);
+    channel_flush(env->errchannel);
+    channel_flush(env->warnchannel);
     return 0;
 }
 
@@ -137,17 +154,16 @@ static int dest_push(TRVchannel channel, int kind, FILE *file, void *handle,
 }
 
 TRV_EXPORT int TRVaddfpdest(TRVenv env, TRVchannel channel, FILE *file) {
-    int status = 0;
-    if (!env_valid(env))
-        status = 1002;
-    else if (channel == nullptr)
+    int status = call_enter(&env, nullptr, 0);
+    if (status != 0)
+        ;
+    else if (!env_channel(env, channel))
         status = 1051;
     else if (file == nullptr)
         status = 1052;
     else
         status = dest_push(channel, 1, file, nullptr, nullptr);
-    if (status != 0) env_report(env, &status);
-    return status;
+    return call_leave(env, status);
 }
 
 /* Unlinks the first file destination of file; false if there is none. */
@@ -164,39 +180,35 @@ static bool dest_remove_file(TRVchannel channel, FILE *file) {
 }
 
 TRV_EXPORT int TRVdelfpdest(TRVenv env, TRVchannel channel, FILE *file) {
-    int status = 0;
-    if (!env_valid(env)) {
-        status = 1002;
-    } else if (channel == nullptr) {
+    int status = call_enter(&env, nullptr, 0);
+    if (status != 0)
+        ;
+    else if (!env_channel(env, channel))
         status = 1051;
-    } else {
+    else
         status = dest_remove_file(channel, file) ? 0 : 1052;
-    }
-    if (status != 0) env_report(env, &status);
-    return status;
+    return call_leave(env, status);
 }
 
 TRV_EXPORT int TRVaddfuncdest(TRVenv env, TRVchannel channel, void *handle,
                               TRVmsgfunc msgfunc) {
-    int status = 0;
-    if (!env_valid(env))
-        status = 1002;
-    else if (channel == nullptr)
+    int status = call_enter(&env, nullptr, 0);
+    if (status != 0)
+        ;
+    else if (!env_channel(env, channel))
         status = 1051;
     else if (msgfunc == nullptr)
         status = 1053;
     else
         status = dest_push(channel, 3, nullptr, handle, msgfunc);
-    if (status != 0) env_report(env, &status);
-    return status;
+    return call_leave(env, status);
 }
 
 TRV_EXPORT int TRVdelfuncdest(TRVenv env, TRVchannel channel, void *handle,
                               TRVmsgfunc msgfunc) {
-    int status = 0;
-    if (!env_valid(env)) {
-        status = 1002;
-    } else if (channel == nullptr) {
+    int status = call_enter(&env, nullptr, 0);
+    if (status != 0) {
+    } else if (!env_channel(env, channel)) {
         status = 1051;
     } else {
         status = 1053;
@@ -210,14 +222,13 @@ TRV_EXPORT int TRVdelfuncdest(TRVenv env, TRVchannel channel, void *handle,
             }
         }
     }
-    if (status != 0) env_report(env, &status);
-    return status;
+    return call_leave(env, status);
 }
 
 TRV_EXPORT int TRVgetchannels(TRVenv env, TRVchannel *results_p,
                               TRVchannel *warning_p, TRVchannel *error_p,
                               TRVchannel *log_p) {
-    if (!env_valid(env)) return 1002;
+    if (call_enter(&env, nullptr, 0) != 0) return 1002;
     if (results_p != nullptr) *results_p = env->reschannel;
     if (warning_p != nullptr) *warning_p = env->warnchannel;
     if (error_p != nullptr) *error_p = env->errchannel;
@@ -228,7 +239,12 @@ TRV_EXPORT int TRVgetchannels(TRVenv env, TRVchannel *results_p,
 /* The log file goes on results, warning, error and log. Adding a null file
  * fails quietly on each channel, so a null file only detaches. */
 TRV_EXPORT int TRVsetlogfile(TRVenv env, FILE *file) {
-    if (!env_valid(env)) return 1002;
+    int status = call_enter(&env, nullptr, 0);
+    if (status == 0) status = channel_setlogfile(env, file);
+    return call_leave(env, status);
+}
+
+int channel_setlogfile(TRVenv env, FILE *file) {
     TRVchannel chans[4] = {env->reschannel, env->warnchannel, env->errchannel,
                            env->logchannel};
     FILE *old = env->cur[PAR_LP]->logfile;
@@ -239,18 +255,14 @@ TRV_EXPORT int TRVsetlogfile(TRVenv env, FILE *file) {
     env->cur[PAR_LP]->logfile = nullptr;
     if (file != nullptr) {
         for (TRVchannel c : chans)
-            if (c != nullptr && dest_push(c, 1, file, nullptr, nullptr) != 0) {
-                int status = 1001;
-                env_report(env, &status);
-                return status;
-            }
+            if (c != nullptr && dest_push(c, 1, file, nullptr, nullptr) != 0) return 1001;
     }
     env->cur[PAR_LP]->logfile = file;
     return 0;
 }
 
 TRV_EXPORT int TRVgetlogfile(TRVenv env, FILE **file_p) {
-    if (!env_valid(env)) return 1002;
+    if (call_enter(&env, nullptr, 0) != 0) return 1002;
     if (file_p != nullptr) *file_p = env->cur[PAR_LP]->logfile;
     return 0;
 }

@@ -41,9 +41,6 @@ template <class T> inline int trv_grow(T **pp, size_t n) {
 void trv_alloc_failat(long n);
 long trv_alloc_count(void);
 char *trv_strdup(const char *s);
-/* Zeroed handle records that are recycled rather than freed. */
-void *trv_handle_alloc(size_t size);
-void trv_handle_free(void *rec, size_t size);
 
 /* ---- parameters --------------------------------------------------------- */
 
@@ -89,6 +86,13 @@ int TRVmsg(TRVchannel channel, const char *format, ...)
 int trv_vmsg(TRVchannel channel, const char *format, va_list ap);
 bool channel_hasfile(TRVchannel channel, FILE *file);
 void channel_screen(TRVenv env, int on);
+TRVchannel channel_new(void);
+/* Drops every destination, flushing the files. */
+void channel_clear(TRVchannel channel);
+void channel_flush(TRVchannel channel);
+/* Attaches file to the four standard channels in place of the log file
+ * before it (null only detaches); 0 or 1001. */
+int channel_setlogfile(TRVenv env, FILE *file);
 
 /* ---- environment -------------------------------------------------------- */
 
@@ -125,6 +129,7 @@ struct trvenv_rec {
     const char *version;
     TRVnamefunc rownamefn, colnamefn;
     void *namefnhandle;
+    TRVenv handle; /* the token the caller holds for this record */
 };
 
 bool env_valid(TRVenv env);
@@ -160,9 +165,41 @@ void par_setdefaults(TRVenv env);
 void par_copy(TRVenv dst, TRVenv src);
 void errhash_build(int *hash);
 
-/* ---- problems: implemented in the store ---------------------------------- */
+/* ---- handles and the frame of an exported call ---------------------------- */
 
-bool lp_valid(TRVlp lp);
-bool lp_resolve(TRVlp *lp);
+/* A caller holds tokens, never record addresses: handle_new registers a
+ * record and gives its token (null when no memory is left), handle_drop
+ * makes the token stale for good, handle_find gives the record of a live
+ * token of that kind (with its owner and the record's check hook) or null
+ * for anything else, stale or garbage. */
+enum { HANDLE_ENV = 1, HANDLE_LP = 2, HANDLE_NET = 3 };
+/* The checks a record kind adds to the frame: may replace *rec (a view by
+ * the problem it wraps); 0 or a code not yet reported. */
+typedef int (*handle_check_fn)(TRVenv env, void **rec, unsigned flags);
+void *handle_new(int kind, void *rec, void *owner, handle_check_fn check);
+void handle_drop(const void *h);
+void *handle_find(const void *h, int kind, void **owner, handle_check_fn *check);
+long handle_live(void);
+
+/* What an exported call asks of its problem handle. */
+enum : unsigned {
+    CALL_VIEW = 1u << 0,   /* a relaxed or fixed view answers for the problem it wraps */
+    CALL_SINGLE = 1u << 1, /* refuses a relaxed, fixed or zeroed-QP problem (1023) */
+    CALL_MERGE = 1u << 2,  /* pending additions are merged first */
+    CALL_LOADED = 1u << 3, /* only a problem over the caller's arrays (1008) */
+    CALL_COPIED = 1u << 4, /* only a problem that owns its arrays (1008) */
+    CALL_FAMILY = 1u << 5  /* the problem may also be the parent's or a clone's */
+};
+
+/* Opens an exported call. *env becomes the environment's record, or null
+ * with 1002; with lp_p, *lp_p becomes the problem's record after the checks
+ * of flags (1009 for a stale, foreign or garbage handle), or null. Returns
+ * 0 or a code that is not yet reported. */
+int call_enter(TRVenv *env, TRVlp *lp_p, unsigned flags);
+/* Closes it: a failure is reported once (a negative status is out
+ * already; a null env prints nothing) and its positive code returned. */
+int call_leave(TRVenv env, int status);
+/* The record of an environment handle, or null. */
+TRVenv env_record(TRVenv env);
 
 #endif

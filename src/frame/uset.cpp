@@ -297,18 +297,13 @@ double par_dbl(TRVenv env, int num) {
 const char *par_str(TRVenv env) { return env->cur[PAR_LP]->str; }
 
 TRV_EXPORT int TRVsetdefaults(TRVenv env) {
-    if (!env_valid(env)) return 1002;
+    if (call_enter(&env, nullptr, 0) != 0) return 1002;
     par_setdefaults(env);
     return 0;
 }
 
-static int par_finish(TRVenv env, int status) {
-    if (status != 0) env_report(env, &status);
-    return status;
-}
-
 TRV_EXPORT int TRVsetintparam(TRVenv env, int whichparam, int newvalue) {
-    if (!env_valid(env)) return 1002;
+    if (call_enter(&env, nullptr, 0) != 0) return 1002;
     int f, k;
     int status = par_find(whichparam, PAR_INT, &f, &k);
     if (status == 0) {
@@ -329,11 +324,11 @@ TRV_EXPORT int TRVsetintparam(TRVenv env, int whichparam, int newvalue) {
             TRVmsg(env->reschannel, "Parameter %d set to %d.\n", whichparam,
                    newvalue);
     }
-    return par_finish(env, status);
+    return call_leave(env, status);
 }
 
 TRV_EXPORT int TRVsetdblparam(TRVenv env, int whichparam, double newvalue) {
-    if (!env_valid(env)) return 1002;
+    if (call_enter(&env, nullptr, 0) != 0) return 1002;
     int f, k;
     int status = par_find(whichparam, PAR_DBL, &f, &k);
     if (status == 0) {
@@ -353,11 +348,11 @@ TRV_EXPORT int TRVsetdblparam(TRVenv env, int whichparam, double newvalue) {
             TRVmsg(env->reschannel, "Parameter %d set to %g.\n", whichparam,
                    newvalue);
     }
-    return par_finish(env, status);
+    return call_leave(env, status);
 }
 
 TRV_EXPORT int TRVsetstrparam(TRVenv env, int whichparam, const char *newvalue) {
-    if (!env_valid(env)) return 1002;
+    if (call_enter(&env, nullptr, 0) != 0) return 1002;
     int f, k;
     int status = par_find(whichparam, PAR_STR, &f, &k);
     if (status == 0 && newvalue == nullptr) status = 1004;
@@ -368,36 +363,36 @@ TRV_EXPORT int TRVsetstrparam(TRVenv env, int whichparam, const char *newvalue) 
             TRVmsg(env->reschannel, "Parameter %d set to \"%s\".\n", whichparam,
                    newvalue);
     }
-    return par_finish(env, status);
+    return call_leave(env, status);
 }
 
 TRV_EXPORT int TRVgetintparam(TRVenv env, int whichparam, int *value_p) {
-    if (!env_valid(env)) return 1002;
+    if (call_enter(&env, nullptr, 0) != 0) return 1002;
     int f, k, status = 1004;
     if (value_p != nullptr) status = par_find(whichparam, PAR_INT, &f, &k);
     if (status == 0) *value_p = env->cur[f]->v[k].i;
-    return par_finish(env, status);
+    return call_leave(env, status);
 }
 
 TRV_EXPORT int TRVgetdblparam(TRVenv env, int whichparam, double *value_p) {
-    if (!env_valid(env)) return 1002;
+    if (call_enter(&env, nullptr, 0) != 0) return 1002;
     int f, k, status = 1004;
     if (value_p != nullptr) status = par_find(whichparam, PAR_DBL, &f, &k);
     if (status == 0) *value_p = env->cur[f]->v[k].d;
-    return par_finish(env, status);
+    return call_leave(env, status);
 }
 
 TRV_EXPORT int TRVgetstrparam(TRVenv env, int whichparam, char *value) {
-    if (!env_valid(env)) return 1002;
+    if (call_enter(&env, nullptr, 0) != 0) return 1002;
     int f, k, status = 1004;
     if (value != nullptr) status = par_find(whichparam, PAR_STR, &f, &k);
     if (status == 0) std::strcpy(value, env->cur[PAR_LP]->str);
-    return par_finish(env, status);
+    return call_leave(env, status);
 }
 
 TRV_EXPORT int TRVinfointparam(TRVenv env, int whichparam, int *defvalue_p,
                                int *minvalue_p, int *maxvalue_p) {
-    if (!env_valid(env)) return 1002;
+    if (call_enter(&env, nullptr, 0) != 0) return 1002;
     int f, k;
     int status = par_find(whichparam, PAR_INT, &f, &k);
     if (status == 0) {
@@ -405,12 +400,12 @@ TRV_EXPORT int TRVinfointparam(TRVenv env, int whichparam, int *defvalue_p,
         if (minvalue_p != nullptr) *minvalue_p = env->min[f]->v[k].i;
         if (maxvalue_p != nullptr) *maxvalue_p = env->max[f]->v[k].i;
     }
-    return par_finish(env, status);
+    return call_leave(env, status);
 }
 
 TRV_EXPORT int TRVinfodblparam(TRVenv env, int whichparam, double *defvalue_p,
                                double *minvalue_p, double *maxvalue_p) {
-    if (!env_valid(env)) return 1002;
+    if (call_enter(&env, nullptr, 0) != 0) return 1002;
     int f, k;
     int status = par_find(whichparam, PAR_DBL, &f, &k);
     if (status == 0) {
@@ -418,14 +413,14 @@ TRV_EXPORT int TRVinfodblparam(TRVenv env, int whichparam, double *defvalue_p,
         if (minvalue_p != nullptr) *minvalue_p = env->min[f]->v[k].d;
         if (maxvalue_p != nullptr) *maxvalue_p = env->max[f]->v[k].d;
     }
-    return par_finish(env, status);
+    return call_leave(env, status);
 }
 
 TRV_EXPORT int TRVinfostrparam(TRVenv env, int whichparam, char *defvalue) {
-    if (!env_valid(env)) return 1002;
+    if (call_enter(&env, nullptr, 0) != 0) return 1002;
     int f, k;
     int status = par_find(whichparam, PAR_STR, &f, &k);
     if (status == 0 && defvalue != nullptr)
         std::strcpy(defvalue, env->def[PAR_LP]->str);
-    return par_finish(env, status);
+    return call_leave(env, status);
 }

@@ -60,9 +60,7 @@ static void binv_column(TRVlp lp, int j, int *head, double *y) {
 }
 
 TRV_EXPORT int TRVgetgrad(TRVenv env, TRVlp lp, int j, int *head, double *y) {
-    if (!env_valid(env)) return 1002;
-    int status = lp_valid(lp) ? 0 : 1009;
-    if (status == 0) status = lp_flush(env, lp, 1);
+    int status = call_enter(&env, &lp, CALL_MERGE);
     if (status == 0 && (j < 0 || j >= lp->lpdata->ncols)) status = env_error(env, 1201, j);
     if (status == 0 && y == nullptr) status = 1004;
     /* a run in progress owns the working structures */
@@ -72,6 +70,5 @@ TRV_EXPORT int TRVgetgrad(TRVenv env, TRVlp lp, int j, int *head, double *y) {
         if (status == 0) binv_column(lp, j, head, y);
         binv_release(lp);
     }
-    if (status != 0) env_report(env, &status);
-    return status;
+    return call_leave(env, status);
 }

@@ -10,7 +10,8 @@
 int simplex_cbinfo(TRVenv env, void *cbdata, int wherefrom, int whichinfo, void *result) {
     (void)env;
     if (cbdata == nullptr) return 1006;
-    TRVlp lp = static_cast<TRVlp>(cbdata);
+    /* the callback's data is the running problem's handle */
+    TRVlp lp = static_cast<TRVlp>(handle_find(cbdata, HANDLE_LP, nullptr, nullptr));
     bool known;
     if (wherefrom == 1)
         known = whichinfo == 1 || whichinfo == 3 || whichinfo == 4 || whichinfo == 5 ||
@@ -19,7 +20,7 @@ int simplex_cbinfo(TRVenv env, void *cbdata, int wherefrom, int whichinfo, void 
         known = whichinfo == 2 || whichinfo == 3 || whichinfo == 4 || whichinfo == 6 ||
                 whichinfo == 7 || whichinfo == 17;
     if (!known) return 1003;
-    if (!lp_valid(lp) || lp->solver == nullptr) return 1006;
+    if (lp == nullptr || lp->solver == nullptr) return 1006;
     void *state = wherefrom == 1 ? static_cast<void *>(lp->primal) : static_cast<void *>(lp->dual);
     if (state == nullptr) return 1006;
     solver_rec *sv = lp->solver;

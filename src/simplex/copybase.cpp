@@ -52,11 +52,8 @@ int start_from_status(TRVenv env, TRVlp lp, const int *cstat, const int *rstat) 
 }
 
 TRV_EXPORT int TRVcopybase(TRVenv env, TRVlp lp, const int *cstat, const int *rstat) {
-    if (!env_valid(env)) return 1002;
-    int status = lp_valid(lp) ? 0 : 1009;
+    int status = call_enter(&env, &lp, CALL_MERGE);
     if (status == 0 && (cstat == nullptr || rstat == nullptr)) status = 1004;
-    if (status == 0) status = lp_flush(env, lp, 1);
     if (status == 0) status = start_from_status(env, lp, cstat, rstat);
-    if (status != 0) env_report(env, &status);
-    return status;
+    return call_leave(env, status);
 }

@@ -27,22 +27,16 @@ static int check_length(TRVenv env, int len, int want) {
     return 0;
 }
 
-/* Handle checks, the required arrays, the merge of pending additions and
- * the stored basis: 0 or the code. */
-static int norm_frame(TRVenv env, TRVlp lp, bool given) {
-    if (!lp_valid(lp)) return 1009;
-    if (!given) return 1004;
-    int status = lp_flush(env, lp, 1);
+/* Opens a norm copy: the frame with the merge, the required arrays and
+ * a stored basis that fits the model; 0 or the code. */
+static int norm_enter(TRVenv *env, TRVlp *lp, bool given) {
+    int status = call_enter(env, lp, CALL_MERGE);
     if (status != 0) return status;
-    const start_rec *sr = lp->start;
-    const lp_data *d = lp->lpdata;
+    if (!given) return 1004;
+    const start_rec *sr = (*lp)->start;
+    const lp_data *d = (*lp)->lpdata;
     if (sr == nullptr || sr->ncols > d->ncols || sr->nrows > d->nrows) return 1262;
     return 0;
-}
-
-static int norm_done(TRVenv env, int status) {
-    if (status != 0) env_report(env, &status);
-    return status;
 }
 
 /* ---- primal ------------------------------------------------------------------ */
@@ -60,8 +54,7 @@ static int put_pnorms(TRVlp lp, const double *cnorm, const double *rnorm) {
 
 TRV_EXPORT int TRVcopypnorms(TRVenv env, TRVlp lp, const double *cnorm, const double *rnorm,
                              int len) {
-    if (!env_valid(env)) return 1002;
-    int status = norm_frame(env, lp, cnorm != nullptr && rnorm != nullptr);
+    int status = norm_enter(&env, &lp, cnorm != nullptr && rnorm != nullptr);
     if (status == 0) {
         const lp_data *d = lp->lpdata;
         status = check_length(env, len, d->ncols);
@@ -69,11 +62,12 @@ TRV_EXPORT int TRVcopypnorms(TRVenv env, TRVlp lp, const double *cnorm, const do
         if (status == 0) status = check_values(env, rnorm, d->nrows);
     }
     if (status == 0) status = put_pnorms(lp, cnorm, rnorm);
-    return norm_done(env, status);
+    return call_leave(env, status);
 }
 
 TRV_EXPORT int TRVkillpnorms(TRVlp lp) {
-    if (!lp_valid(lp)) return 1009;
+    lp = static_cast<TRVlp>(handle_find(lp, HANDLE_LP, nullptr, nullptr));
+    if (lp == nullptr) return 1009;
     if (lp->start != nullptr) start_pnorms_free(lp->start);
     return 0;
 }
@@ -115,8 +109,7 @@ static void clear_dnorms(start_rec *sr) {
 
 TRV_EXPORT int TRVcopydnorms(TRVenv env, TRVlp lp, const double *norm, const int *head,
                              int len) {
-    if (!env_valid(env)) return 1002;
-    int status = norm_frame(env, lp, norm != nullptr && head != nullptr);
+    int status = norm_enter(&env, &lp, norm != nullptr && head != nullptr);
     if (status == 0) status = check_length(env, len, lp->lpdata->nrows);
     for (int k = 0; status == 0 && k < len; k++)
         status = check_head(env, lp->start, lp->lpdata, head[k]);
@@ -128,7 +121,7 @@ TRV_EXPORT int TRVcopydnorms(TRVenv env, TRVlp lp, const double *norm, const int
         for (int k = 0; k < len; k++) put_dnorm(sr, head[k], norm[k]);
         sr->has_norms = 1;
     }
-    return norm_done(env, status);
+    return call_leave(env, status);
 }
 
 /* The basic variables of the caller's statuses: columns, then rows. */
@@ -141,10 +134,8 @@ static int count_basic(const lp_data *d, const int *cstat, const int *rstat) {
 
 TRV_EXPORT int TRVcopybasednorms(TRVenv env, TRVlp lp, const int *cstat, const int *rstat,
                                  const double *dnorm) {
-    if (!env_valid(env)) return 1002;
-    int status = lp_valid(lp) ? 0 : 1009;
+    int status = call_enter(&env, &lp, CALL_MERGE);
     if (status == 0 && (cstat == nullptr || rstat == nullptr || dnorm == nullptr)) status = 1004;
-    if (status == 0) status = lp_flush(env, lp, 1);
     if (status == 0) status = check_values(env, dnorm, count_basic(lp->lpdata, cstat, rstat));
     if (status == 0) status = start_from_status(env, lp, cstat, rstat);
     if (status == 0) {
@@ -156,11 +147,12 @@ TRV_EXPORT int TRVcopybasednorms(TRVenv env, TRVlp lp, const int *cstat, const i
             if (rstat[i] == 1) put_dnorm(sr, -i - 1, dnorm[k++]);
         sr->has_norms = 1;
     }
-    return norm_done(env, status);
+    return call_leave(env, status);
 }
 
 TRV_EXPORT int TRVkilldnorms(TRVlp lp) {
-    if (!lp_valid(lp)) return 1009;
+    lp = static_cast<TRVlp>(handle_find(lp, HANDLE_LP, nullptr, nullptr));
+    if (lp == nullptr) return 1009;
     if (lp->start != nullptr) lp->start->has_norms = 0;
     return 0;
 }

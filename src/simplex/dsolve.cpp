@@ -21,18 +21,18 @@ TRV_EXPORT int TRVdualopt(TRVenv env, TRVlp lp) {
 }
 
 TRV_EXPORT int TRVlpopt(TRVenv env, TRVlp lp) {
-    if (!env_valid(env)) return 1002;
-    switch (par_int(env, 1062)) {
+    TRVenv e = env;
+    TRVlp p = lp;
+    int status = call_enter(&e, &p, 0);
+    if (status != 0) return call_leave(e, status);
+    switch (par_int(e, 1062)) {
     case 0:
     case 2:
         return TRVdualopt(env, lp);
     case 1:
         return TRVprimopt(env, lp);
-    default: {
+    default:
         /* the network and barrier optimisers are not part of this build */
-        int status = lp_valid(lp) ? 1292 : 1009;
-        env_report(env, &status);
-        return status;
-    }
+        return call_leave(e, 1292);
     }
 }

@@ -214,7 +214,6 @@ int start_from_status(TRVenv env, TRVlp lp, const int *cstat, const int *rstat);
 /* One run of a driver on the problem as it stands (solve.cpp): the counts
  * of iterations in all and in phase 1 come back. */
 typedef int (*solve_run_fn)(TRVenv env, TRVlp lp, double start, int *itcnt, int *ph1);
-int solve_check(TRVenv env, TRVlp lp);
 int solve_simplex(TRVenv env, TRVlp lp, int method, solve_run_fn run);
 /* Loads the stored basis into the working LP; 1 when loaded, 0 when there
  * is none that fits. */

@@ -98,7 +98,7 @@ static int main_loop(TRVenv env, TRVlp lp) {
     dual_progress_reset(lp);
     while (true) {
         if (it->n_it >= ds->it_limit || ds->abort) break;
-        if (cb_call(env, PAR_LP, lp, TRV_CALLBACK_DUAL) != 0) {
+        if (cb_call(env, PAR_LP, lp->handle, TRV_CALLBACK_DUAL) != 0) {
             ds->abort = 1;
             break;
         }
@@ -168,9 +168,9 @@ static int hand_to_primal(TRVenv env, TRVlp lp) {
     int st = start_save(lp, 1);
     if (st != 0) return st;
     int keep = par_int(env, 1001);
-    TRVsetintparam(env, 1001, 1);
+    par_swap_int(env, 1001, 1);
     st = primal_opt(env, lp, n_it, n1, start, par_int(env, 1029), 0);
-    TRVsetintparam(env, 1001, keep);
+    par_swap_int(env, 1001, keep);
     lp->solver->cbinfo = nullptr;
     return st;
 }
@@ -212,9 +212,9 @@ int dual_takeover(TRVenv env, TRVlp lp, int *rc) {
         return 1;
     }
     int keep = par_int(env, 1001);
-    TRVsetintparam(env, 1001, 1);
+    par_swap_int(env, 1001, 1);
     *rc = dual_opt(env, lp, it->n_it, ps->n_it_phase1, ps->start_time, par_int(env, 1009), 1);
-    TRVsetintparam(env, 1001, keep);
+    par_swap_int(env, 1001, keep);
     return 1;
 }
 

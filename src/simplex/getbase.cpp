@@ -39,26 +39,12 @@ static int row_status(const start_rec *sr, const lp_data *d, int i) {
 
 /* Handle checks, merge of pending additions, and the basis; null with
  * *status set when there is none. */
-static const start_rec *base_frame(TRVenv env, TRVlp lp, int *status) {
-    *status = 0;
-    if (!env_valid(env)) {
-        *status = 1002;
-        return nullptr;
-    }
-    if (!lp_valid(lp)) {
-        *status = 1009;
-        return nullptr;
-    }
-    *status = lp_flush(env, lp, 1);
+static const start_rec *base_frame(TRVenv *env, TRVlp *lp, int *status) {
+    *status = call_enter(env, lp, CALL_MERGE);
     if (*status != 0) return nullptr;
-    const start_rec *sr = fitting_start(lp);
+    const start_rec *sr = fitting_start(*lp);
     if (sr == nullptr) *status = 1262;
     return sr;
-}
-
-static int base_done(TRVenv env, int status) {
-    if (status != 0 && status != 1002) env_report(env, &status);
-    return status;
 }
 
 void start_statuses(const start_rec *sr, const lp_data *d, int *cstat, int *rstat) {
@@ -77,16 +63,15 @@ int start_get(TRVlp lp, int *cstat, int *rstat) {
 
 TRV_EXPORT int TRVgetbase(TRVenv env, TRVlp lp, int *cstat, int *rstat) {
     int status;
-    const start_rec *sr = base_frame(env, lp, &status);
+    const start_rec *sr = base_frame(&env, &lp, &status);
     if (sr != nullptr) start_statuses(sr, lp->lpdata, cstat, rstat);
-    return base_done(env, status);
+    return call_leave(env, status);
 }
 
 TRV_EXPORT int TRVcangetbase(TRVenv env, TRVlp lp) {
-    if (!env_valid(env)) return 0;
-    if (!lp_valid(lp)) {
-        int status = 1009;
-        env_report(env, &status);
+    int status = call_enter(&env, &lp, 0);
+    if (status != 0) {
+        call_leave(env, status);
         return 0;
     }
     return fitting_start(lp) != nullptr;
@@ -118,11 +103,11 @@ static int basic_list(const start_rec *sr, const lp_data *d, int *head, double *
 
 /* Norms exist only for a basis that a dual run with steepest-edge
  * pricing left, and only while no row or column has been added. */
-static int norms_frame(TRVenv env, TRVlp lp, const start_rec **sr_p) {
+static int norms_frame(TRVenv *env, TRVlp *lp, const start_rec **sr_p) {
     int status;
     const start_rec *sr = base_frame(env, lp, &status);
     if (sr == nullptr) return status;
-    const lp_data *d = lp->lpdata;
+    const lp_data *d = (*lp)->lpdata;
     if (!sr->has_norms || sr->ncols != d->ncols || sr->nrows != d->nrows) return 1264;
     *sr_p = sr;
     return 0;
@@ -130,9 +115,9 @@ static int norms_frame(TRVenv env, TRVlp lp, const start_rec **sr_p) {
 
 TRV_EXPORT int TRVgetdnorms(TRVenv env, TRVlp lp, double *norm, int *head, int *len_p) {
     const start_rec *sr = nullptr;
-    int status = norms_frame(env, lp, &sr);
+    int status = norms_frame(&env, &lp, &sr);
     if (status == 0 && (norm == nullptr || head == nullptr || len_p == nullptr)) status = 1004;
-    if (status != 0) return base_done(env, status);
+    if (status != 0) return call_leave(env, status);
     *len_p = basic_list(sr, lp->lpdata, head, norm);
     return 0;
 }
@@ -140,9 +125,9 @@ TRV_EXPORT int TRVgetdnorms(TRVenv env, TRVlp lp, double *norm, int *head, int *
 TRV_EXPORT int TRVgetbasednorms(TRVenv env, TRVlp lp, int *cstat, int *rstat,
                                 double *dnorm) {
     const start_rec *sr = nullptr;
-    int status = norms_frame(env, lp, &sr);
+    int status = norms_frame(&env, &lp, &sr);
     if (status == 0 && (cstat == nullptr || rstat == nullptr || dnorm == nullptr)) status = 1004;
-    if (status != 0) return base_done(env, status);
+    if (status != 0) return call_leave(env, status);
     start_statuses(sr, lp->lpdata, cstat, rstat);
     basic_list(sr, lp->lpdata, nullptr, dnorm);
     return 0;
@@ -153,12 +138,12 @@ TRV_EXPORT int TRVgetbasednorms(TRVenv env, TRVlp lp, int *cstat, int *rstat,
  * basis's size. */
 TRV_EXPORT int TRVgetpnorms(TRVenv env, TRVlp lp, double *cnorm, double *rnorm, int *len_p) {
     int status;
-    const start_rec *sr = base_frame(env, lp, &status);
-    if (sr == nullptr) return base_done(env, status);
+    const start_rec *sr = base_frame(&env, &lp, &status);
+    if (sr == nullptr) return call_leave(env, status);
     const lp_data *d = lp->lpdata;
     if (!sr->has_pnorms || sr->ncols != d->ncols || sr->nrows != d->nrows) status = 1264;
     else if (cnorm == nullptr || rnorm == nullptr || len_p == nullptr) status = 1004;
-    if (status != 0) return base_done(env, status);
+    if (status != 0) return call_leave(env, status);
     std::memcpy(cnorm, sr->pcnorm, sizeof(double) * sr->ncols);
     std::memcpy(rnorm, sr->prnorm, sizeof(double) * sr->nrows);
     *len_p = sr->ncols;

@@ -441,7 +441,7 @@ void iter_log_elapsed(TRVenv env, iter_log *lg, int n_it, double start_time) {
     if (now - lg->last_elapsed_print < 10.0) return;
     TRVmsg(env->reschannel, "Elapsed time = %7.2f sec. (%d iterations)\n", now - start_time,
            n_it);
-    TRVflushchannel(env, env->reschannel);
+    channel_flush(env->reschannel);
     lg->last_elapsed_print = now;
     lg->last_elapsed_it = n_it;
 }

@@ -49,7 +49,7 @@ static void load_run_parameters(TRVenv env, TRVlp lp) {
 
 /* The user's progress function; nonzero asks for a stop. */
 static int call_back(TRVenv env, TRVlp lp) {
-    return cb_call(env, PAR_LP, lp, TRV_CALLBACK_PRIMAL);
+    return cb_call(env, PAR_LP, lp->handle, TRV_CALLBACK_PRIMAL);
 }
 
 /* Sum of the dual infeasibilities of the nonbasic variables. */

@@ -102,34 +102,20 @@ void soln_invalidate(TRVlp lp, int free_it) {
 /* ---- exported reading functions ---------------------------------------- */
 
 /* The handle checks of a solution query; null with *status set otherwise. */
-static soln_rec *soln_frame(TRVenv env, TRVlp lp, int *status) {
-    *status = 0;
-    if (!env_valid(env)) {
-        *status = 1002;
-        return nullptr;
-    }
-    if (!lp_valid(lp)) {
-        *status = 1009;
-        return nullptr;
-    }
-    /* a pending addition invalidates the solution when it merges */
-    *status = lp_flush(env, lp, 1);
+/* Opens a solution query (a pending addition invalidates the solution
+ * when it merges): the solution, or null with *status set. */
+static soln_rec *soln_frame(TRVenv *env, TRVlp *lp, int *status) {
+    *status = call_enter(env, lp, CALL_MERGE);
     if (*status != 0) return nullptr;
-    if (lp->soln == nullptr) *status = 1217;
-    return lp->soln;
-}
-
-static int soln_done(TRVenv env, int status) {
-    if (status != 0) env_report(env, &status);
-    return status;
+    if ((*lp)->soln == nullptr) *status = 1217;
+    return (*lp)->soln;
 }
 
 TRV_EXPORT int TRVsolution(TRVenv env, TRVlp lp, int *lpstat_p, double *objval_p,
                            double *x, double *pi, double *slack, double *dj) {
     int status = 0;
-    soln_rec *sr = soln_frame(env, lp, &status);
-    if (status == 1002) return status;
-    if (sr == nullptr) return soln_done(env, status);
+    soln_rec *sr = soln_frame(&env, &lp, &status);
+    if (sr == nullptr) return call_leave(env, status);
     if (lpstat_p) *lpstat_p = lp->stat;
     if (objval_p) *objval_p = sr->objval;
     if (x) std::memcpy(x, sr->x, sizeof(double) * sr->ncols);
@@ -141,10 +127,9 @@ TRV_EXPORT int TRVsolution(TRVenv env, TRVlp lp, int *lpstat_p, double *objval_p
 
 TRV_EXPORT int TRVgetobjval(TRVenv env, TRVlp lp, double *objval_p) {
     int status = 0;
-    soln_rec *sr = soln_frame(env, lp, &status);
-    if (status == 1002) return status;
+    soln_rec *sr = soln_frame(&env, &lp, &status);
     if (status == 0 && objval_p == nullptr) status = 1004;
-    if (status != 0) return soln_done(env, status);
+    if (status != 0) return call_leave(env, status);
     *objval_p = sr->objval;
     return 0;
 }
@@ -152,15 +137,14 @@ TRV_EXPORT int TRVgetobjval(TRVenv env, TRVlp lp, double *objval_p) {
 /* A range of one of the vectors: over columns (rows false) or rows. */
 static int soln_range(TRVenv env, TRVlp lp, const char *fname, double *out,
                       int begin, int end, bool rows, int which) {
-    int status = 0;
-    if (!env_valid(env)) return 1002;
-    if (!lp_valid(lp)) return soln_done(env, 1009);
+    int status = call_enter(&env, &lp, CALL_MERGE);
+    if (status != 0) return call_leave(env, status);
     int count = rows ? lp->lpdata->nrows : lp->lpdata->ncols;
-    if (begin > end) return soln_done(env, 1200);
-    if (!range_check(env, fname, begin, end, 0, count)) return soln_done(env, 1200);
-    if (out == nullptr) return soln_done(env, 1004);
-    soln_rec *sr = soln_frame(env, lp, &status);
-    if (sr == nullptr) return soln_done(env, status);
+    if (begin > end) return call_leave(env, 1200);
+    if (!range_check(env, fname, begin, end, 0, count)) return call_leave(env, 1200);
+    if (out == nullptr) return call_leave(env, 1004);
+    soln_rec *sr = lp->soln;
+    if (sr == nullptr) return call_leave(env, 1217);
     const double *src = which == 0 ? sr->x : which == 1 ? sr->pi : which == 2 ? sr->slack : sr->dj;
     std::memcpy(out, src + begin, sizeof(double) * (end - begin + 1));
     return 0;
@@ -186,15 +170,14 @@ TRV_EXPORT int TRVgetdj(TRVenv env, TRVlp lp, double *dj, int begin, int end) {
  * caller's (unscaled) matrix; the range columns of ranged rows are not
  * part of the activity. */
 TRV_EXPORT int TRVgetax(TRVenv env, TRVlp lp, double *ax, int begin, int end) {
-    int status = 0;
-    if (!env_valid(env)) return 1002;
-    if (!lp_valid(lp)) return soln_done(env, 1009);
-    if (begin > end) return soln_done(env, 1200);
+    int status = call_enter(&env, &lp, CALL_MERGE);
+    if (status != 0) return call_leave(env, status);
+    if (begin > end) return call_leave(env, 1200);
     if (!range_check(env, "TRVgetax", begin, end, 0, lp->lpdata->nrows))
-        return soln_done(env, 1200);
-    if (ax == nullptr) return soln_done(env, 1004);
-    soln_rec *sr = soln_frame(env, lp, &status);
-    if (sr == nullptr) return soln_done(env, status);
+        return call_leave(env, 1200);
+    if (ax == nullptr) return call_leave(env, 1004);
+    soln_rec *sr = lp->soln;
+    if (sr == nullptr) return call_leave(env, 1217);
     const lp_data *d = lp->lpdata;
     const double *cs = d->colscale, *rs = d->rowscale;
     for (int i = begin; i <= end; i++) ax[i - begin] = 0.0;
@@ -216,10 +199,9 @@ TRV_EXPORT int TRVgetax(TRVenv env, TRVlp lp, double *ax, int begin, int end) {
  * the two is set, the other -1; both -1 after any other end. */
 TRV_EXPORT int TRVgetijdiv(TRVenv env, TRVlp lp, int *idiv_p, int *jdiv_p) {
     int status = 0;
-    soln_rec *sr = soln_frame(env, lp, &status);
-    if (status == 1002) return status;
+    soln_rec *sr = soln_frame(&env, &lp, &status);
     if (status == 0 && (idiv_p == nullptr || jdiv_p == nullptr)) status = 1004;
-    if (status != 0) return soln_done(env, status);
+    if (status != 0) return call_leave(env, status);
     *idiv_p = sr->idiv;
     *jdiv_p = sr->jdiv;
     return 0;
@@ -227,10 +209,9 @@ TRV_EXPORT int TRVgetijdiv(TRVenv env, TRVlp lp, int *idiv_p, int *jdiv_p) {
 
 /* Counts of the last run; 0 with no solution or a bad handle. */
 static int count_query(TRVenv env, TRVlp lp, bool phase1) {
-    if (!env_valid(env)) return 0;
-    if (!lp_valid(lp)) {
-        int status = 1009;
-        env_report(env, &status);
+    int status = call_enter(&env, &lp, 0);
+    if (status != 0) {
+        call_leave(env, status);
         return 0;
     }
     if (lp->soln == nullptr) return 0;
@@ -244,11 +225,7 @@ TRV_EXPORT int TRVgetphase1cnt(TRVenv env, TRVlp lp) { return count_query(env, l
 /* Counters of the barrier, the crossover and the sifting routes. None of
  * them runs in this build, so after the handle checks they are 0. */
 static int unused_count(TRVenv env, TRVlp lp) {
-    if (!env_valid(env)) return 0;
-    if (!lp_valid(lp)) {
-        int status = 1009;
-        env_report(env, &status);
-    }
+    call_leave(env, call_enter(&env, &lp, 0));
     return 0;
 }
 
@@ -262,9 +239,9 @@ TRV_EXPORT int TRVgetdsbcnt(TRVenv env, TRVlp lp) { return unused_count(env, lp)
 
 TRV_EXPORT int TRVgetmethod(TRVenv env, TRVlp lp) {
     int status = 0;
-    soln_rec *sr = soln_frame(env, lp, &status);
+    soln_rec *sr = soln_frame(&env, &lp, &status);
     if (sr == nullptr) {
-        if (status != 1002) soln_done(env, status);
+        call_leave(env, status);
         return 0;
     }
     return sr->method;

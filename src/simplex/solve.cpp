@@ -6,9 +6,7 @@
  */
 #include "formats/bas.h"
 #include "simplex/dual.h"
-
-int lp_scale(TRVenv env, TRVlp lp, int want);
-int lp_unscale(TRVenv env, TRVlp lp);
+#include "store/scale.h"
 
 /* Releases the working structures of a run; the solution record stays. */
 static void run_release(TRVlp lp) {
@@ -18,13 +16,11 @@ static void run_release(TRVlp lp) {
     simplex_free(lp);
 }
 
-/* The checks that open both simplex entries. */
-int solve_check(TRVenv env, TRVlp lp) {
-    if (!lp_valid(lp)) return 1009;
+/* The type checks of both simplex entries. */
+static int solve_check(TRVlp lp) {
     if (lp->probtype == PROB_MIP) return 1017;
     if (lp->probtype == PROB_QP) return 1018;
-    /* pending additions join the model before it is solved */
-    return lp_flush(env, lp, 1);
+    return 0;
 }
 
 /* One run of the driver on the problem as it stands. */
@@ -142,12 +138,11 @@ static void solve_restart(TRVenv env, TRVlp lp) {
  * units, the solution record, and the final basis kept for a later warm
  * start (the dual keeps its norms with it). */
 int solve_simplex(TRVenv env, TRVlp lp, int method, solve_run_fn run) {
-    if (!env_valid(env)) return 1002;
-    int status = solve_check(env, lp);
-    if (status != 0) {
-        env_report(env, &status);
-        return status;
-    }
+    /* pending additions join the model before it is solved */
+    int status = call_enter(&env, &lp, 0);
+    if (status == 0) status = solve_check(lp);
+    if (status == 0) status = lp_flush(env, lp, 1);
+    if (status != 0) return call_leave(env, status);
     double start = env_time(env);
     solution_free(lp);
     run_release(lp);
@@ -176,8 +171,7 @@ int solve_simplex(TRVenv env, TRVlp lp, int method, solve_run_fn run) {
         lp->stat = 0;
     }
     run_release(lp);
-    if (status != 0) env_report(env, &status);
-    return status;
+    return call_leave(env, status);
 }
 
 TRV_EXPORT int TRVprimopt(TRVenv env, TRVlp lp) {

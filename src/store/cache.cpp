@@ -251,53 +251,48 @@ int lp_cachehigh(TRVenv env, TRVlp lp) {
 /* ---- the fast path of modelling layers --------------------------------------- */
 
 TRV_EXPORT void *TRVEgetCache(TRVlp lp) {
-    if (!lp_valid(lp)) return nullptr;
+    lp = static_cast<TRVlp>(handle_find(lp, HANDLE_LP, nullptr, nullptr));
+    if (lp == nullptr || !lp_valid(lp)) return nullptr;
     return cache_get(lp->lpdata);
 }
 
-/* Frame of the cache entries: a library-owned model that is no view. */
-static int cache_frame(TRVenv env, TRVlp lp, int cnt) {
-    if (!lp_valid(lp)) return 1009;
-    if (lp->probtype == PROB_RELAXED || lp->probtype == PROB_FIXED ||
-        lp->probtype == PROB_ZEROEDQP)
-        return 1023;
-    if (cnt < 0) return 1003;
-    if (cache_get(lp->lpdata) == nullptr) return 1001;
-    (void)env;
-    return 0;
+/* Opens a cache entry: a problem that is no view, without the merge, and
+ * its cache. */
+static int cache_enter(TRVenv *env, TRVlp *lp, int cnt) {
+    int st = call_enter(env, lp, CALL_SINGLE);
+    if (st == 0 && cnt < 0) st = 1003;
+    if (st == 0 && cache_get((*lp)->lpdata) == nullptr) st = 1001;
+    return st;
 }
 
-static int cache_done(TRVenv env, TRVlp lp, int status) {
+/* Closes it: pending additions that outgrow the model are merged. */
+static int cache_leave(TRVenv env, TRVlp lp, int status) {
     if (status == 0) status = lp_cachehigh(env, lp);
-    if (status != 0) env_report(env, &status);
-    return status;
+    return call_leave(env, status);
 }
 
 TRV_EXPORT int TRVEcacheNewCols(TRVenv env, TRVlp lp, int ccnt, const double *obj,
                                 const double *lb, const double *ub,
                                 const char *ctype, char **colname) {
-    if (!env_valid(env)) return 1002;
-    int status = cache_frame(env, lp, ccnt);
+    int status = cache_enter(&env, &lp, ccnt);
     if (status == 0)
         status = cache_addcols(lp->lpdata->cache, ccnt, obj, lb, ub, ctype, colname);
-    return cache_done(env, lp, status);
+    return cache_leave(env, lp, status);
 }
 
 TRV_EXPORT int TRVEcacheNewRows(TRVenv env, TRVlp lp, int rcnt, const double *rhs,
                                 const char *sense, const double *rngval,
                                 char **rowname) {
-    if (!env_valid(env)) return 1002;
-    int status = cache_frame(env, lp, rcnt);
+    int status = cache_enter(&env, &lp, rcnt);
     if (status == 0 && rcnt > 0 && sense != nullptr) status = check_senses(env, rcnt, sense);
     if (status == 0)
         status = cache_addrows(lp->lpdata->cache, rcnt, rhs, sense, rngval, rowname);
-    return cache_done(env, lp, status);
+    return cache_leave(env, lp, status);
 }
 
 TRV_EXPORT int TRVEcacheNewNZsByNZ(TRVenv env, TRVlp lp, int cnt, const int *rowind,
                                    const int *colind, const double *val) {
-    if (!env_valid(env)) return 1002;
-    int status = cache_frame(env, lp, cnt);
+    int status = cache_enter(&env, &lp, cnt);
     if (status == 0 && cnt > 0 && (!rowind || !colind || !val)) status = 1004;
     if (status == 0) {
         lp_data *d = lp->lpdata;
@@ -306,5 +301,5 @@ TRV_EXPORT int TRVEcacheNewNZsByNZ(TRVenv env, TRVlp lp, int cnt, const int *row
             status = check_indices(env, cnt, colind, d->ncols + cache_pendcols(d), true);
     }
     if (status == 0) status = cache_addnz(lp->lpdata->cache, 3, cnt, rowind, colind, val);
-    return cache_done(env, lp, status);
+    return cache_leave(env, lp, status);
 }

@@ -8,6 +8,9 @@
 
 #include "store/lp.h"
 
+/* The frame of a change: a single problem, pending additions merged. */
+#define CALL_CHANGE (CALL_SINGLE | CALL_MERGE)
+
 /* Grows an array to n elements, or allocates it when it is null. */
 template <class T> inline int chg_grow(T **pp, size_t n) {
     if (*pp == nullptr) {
@@ -141,9 +144,6 @@ inline signed char bound_kind(double v) {
 
 /* ---- shared frame pieces ------------------------------------------------------ */
 
-/* The frame of a change: env checked by the caller; handle (1009), not a
- * view (1023), then the merge of pending additions. */
-int change_frame(TRVenv env, TRVlp lp);
 /* 1003 for a negative count. Index lists: each entry in [0, count); the
  * first one outside prints "Column index %d out of range" (cols) or "Row
  * index %d out of range" and gives that code. */

@@ -8,20 +8,12 @@
 
 #include "store/change.h"
 
-static int change_done(TRVenv env, int status) {
-    if (status != 0) env_report(env, &status);
-    return status;
-}
-
-/* Frame of an addition: handle, view, counts; no merge, so that additions
- * can pile up in the cache. */
-static int add_frame(TRVlp lp, int c1, int c2, int c3) {
-    if (!lp_valid(lp)) return 1009;
-    if (lp->probtype == PROB_RELAXED || lp->probtype == PROB_FIXED ||
-        lp->probtype == PROB_ZEROEDQP)
-        return 1023;
-    if (c1 < 0 || c2 < 0 || c3 < 0) return 1003;
-    return 0;
+/* Opens an addition: the frame without the merge, so that additions can
+ * pile up in the cache, and the counts. */
+static int add_enter(TRVenv *env, TRVlp *lp, int c1, int c2, int c3) {
+    int st = call_enter(env, lp, CALL_SINGLE);
+    if (st == 0 && (c1 < 0 || c2 < 0 || c3 < 0)) st = 1003;
+    return st;
 }
 
 /* The checks of the data check switch on new names: none null, none equal
@@ -132,8 +124,7 @@ static int add_run(TRVenv env, TRVlp lp, const add_part *p, int kind, int code) 
 TRV_EXPORT int TRVnewcols(TRVenv env, TRVlp lp, int ccnt, const double *obj,
                           const double *lb, const double *ub, const char *ctype,
                           char **colname) {
-    if (!env_valid(env)) return 1002;
-    int st = add_frame(lp, ccnt, 0, 0);
+    int st = add_enter(&env, &lp, ccnt, 0, 0);
     if (st == 0) st = check_ctype(ccnt, ctype);
     if (st == 0) st = check_newnames(env, lp, NAMES_COLS, ccnt, colname);
     if (st == 0 && ccnt > 0) {
@@ -143,13 +134,12 @@ TRV_EXPORT int TRVnewcols(TRVenv env, TRVlp lp, int ccnt, const double *obj,
         p.colname = colname;
         st = add_run(env, lp, &p, 2, 28);
     }
-    return change_done(env, st);
+    return call_leave(env, st);
 }
 
 TRV_EXPORT int TRVnewrows(TRVenv env, TRVlp lp, int rcnt, const double *rhs,
                           const char *sense, const double *rngval, char **rowname) {
-    if (!env_valid(env)) return 1002;
-    int st = add_frame(lp, rcnt, 0, 0);
+    int st = add_enter(&env, &lp, rcnt, 0, 0);
     if (st == 0 && sense != nullptr) st = check_senses(env, rcnt, sense);
     if (st == 0) st = check_newnames(env, lp, NAMES_ROWS, rcnt, rowname);
     if (st == 0 && rcnt > 0) {
@@ -159,15 +149,14 @@ TRV_EXPORT int TRVnewrows(TRVenv env, TRVlp lp, int rcnt, const double *rhs,
         p.rowname = rowname;
         st = add_run(env, lp, &p, 1, 17);
     }
-    return change_done(env, st);
+    return call_leave(env, st);
 }
 
 TRV_EXPORT int TRVaddrows(TRVenv env, TRVlp lp, int ccnt, int rcnt, int nzcnt,
                           const double *rhs, const char *sense, const int *rmatbeg,
                           const int *rmatind, const double *rmatval, char **colname,
                           char **rowname) {
-    if (!env_valid(env)) return 1002;
-    int st = add_frame(lp, ccnt, rcnt, nzcnt);
+    int st = add_enter(&env, &lp, ccnt, rcnt, nzcnt);
     if (st == 0 && nzcnt > 0 && (rcnt == 0 || !rmatbeg || !rmatind || !rmatval)) st = 1004;
     if (st == 0 && sense != nullptr) st = check_senses(env, rcnt, sense);
     if (st == 0) st = check_newnames(env, lp, NAMES_COLS, ccnt, colname);
@@ -190,14 +179,13 @@ TRV_EXPORT int TRVaddrows(TRVenv env, TRVlp lp, int ccnt, int rcnt, int nzcnt,
     }
     trv_free(&ti);
     trv_free(&tj);
-    return change_done(env, st);
+    return call_leave(env, st);
 }
 
 TRV_EXPORT int TRVaddcols(TRVenv env, TRVlp lp, int ccnt, int nzcnt, const double *obj,
                           const int *cmatbeg, const int *cmatind, const double *cmatval,
                           const double *lb, const double *ub, char **colname) {
-    if (!env_valid(env)) return 1002;
-    int st = add_frame(lp, ccnt, nzcnt, 0);
+    int st = add_enter(&env, &lp, ccnt, nzcnt, 0);
     if (st == 0 && nzcnt > 0 && (ccnt == 0 || !cmatbeg || !cmatind || !cmatval)) st = 1004;
     if (st == 0) st = check_newnames(env, lp, NAMES_COLS, ccnt, colname);
     if (st == 0 && lp->memmodel != MEM_COPY) st = lp_flush(env, lp, 1);
@@ -216,15 +204,13 @@ TRV_EXPORT int TRVaddcols(TRVenv env, TRVlp lp, int ccnt, int nzcnt, const doubl
     }
     trv_free(&ti);
     trv_free(&tj);
-    return change_done(env, st);
+    return call_leave(env, st);
 }
 
 /* ---- deletions ---------------------------------------------------------------- */
 
 static int del_set(TRVenv env, TRVlp lp, int *delstat, bool rows, int code) {
-    int st = change_frame(env, lp);
-    if (st == 0 && delstat == nullptr) st = 1004;
-    if (st != 0) return st;
+    if (delstat == nullptr) return 1004;
     invalidate(env, lp, code);
     /* a start record's status arrays, norms and saved vectors are
      * compressed here in step, once start records exist */
@@ -236,37 +222,39 @@ static int del_set(TRVenv env, TRVlp lp, int *delstat, bool rows, int code) {
 
 static int del_range(TRVenv env, TRVlp lp, int begin, int end, bool rows,
                      const char *fname, int code) {
-    int st = change_frame(env, lp);
-    if (st != 0) return st;
     int count = rows ? lp->lpdata->nrows : lp->lpdata->ncols;
     if (begin > end) return 0;
     if (!range_check(env, fname, begin, end, 0, count)) return 1200;
     int *delstat = trv_zalloc<int>(count);
     if (delstat == nullptr) return 1001;
     for (int k = begin; k <= end; k++) delstat[k] = 1;
-    st = del_set(env, lp, delstat, rows, code);
+    int st = del_set(env, lp, delstat, rows, code);
     trv_free(&delstat);
     return st;
 }
 
 TRV_EXPORT int TRVdelrows(TRVenv env, TRVlp lp, int begin, int end) {
-    if (!env_valid(env)) return 1002;
-    return change_done(env, del_range(env, lp, begin, end, true, "TRVdelrows", 19));
+    int st = call_enter(&env, &lp, CALL_CHANGE);
+    if (st == 0) st = del_range(env, lp, begin, end, true, "TRVdelrows", 19);
+    return call_leave(env, st);
 }
 
 TRV_EXPORT int TRVdelcols(TRVenv env, TRVlp lp, int begin, int end) {
-    if (!env_valid(env)) return 1002;
-    return change_done(env, del_range(env, lp, begin, end, false, "TRVdelcols", 31));
+    int st = call_enter(&env, &lp, CALL_CHANGE);
+    if (st == 0) st = del_range(env, lp, begin, end, false, "TRVdelcols", 31);
+    return call_leave(env, st);
 }
 
 TRV_EXPORT int TRVdelsetrows(TRVenv env, TRVlp lp, int *delstat) {
-    if (!env_valid(env)) return 1002;
-    return change_done(env, del_set(env, lp, delstat, true, 20));
+    int st = call_enter(&env, &lp, CALL_CHANGE);
+    if (st == 0) st = del_set(env, lp, delstat, true, 20);
+    return call_leave(env, st);
 }
 
 TRV_EXPORT int TRVdelsetcols(TRVenv env, TRVlp lp, int *delstat) {
-    if (!env_valid(env)) return 1002;
-    return change_done(env, del_set(env, lp, delstat, false, 32));
+    int st = call_enter(&env, &lp, CALL_CHANGE);
+    if (st == 0) st = del_set(env, lp, delstat, false, 32);
+    return call_leave(env, st);
 }
 
 /* ---- free rows ------------------------------------------------------------------ */
@@ -357,10 +345,9 @@ static int rim_space(TRVenv env, TRVlp lp, int count) {
 
 TRV_EXPORT int TRVchgtofreerow(TRVenv env, TRVlp lp, int cnt, const int *indices,
                                int *freeind) {
-    if (!env_valid(env)) return 1002;
-    int st = change_frame(env, lp);
+    int st = call_enter(&env, &lp, CALL_CHANGE);
     if (st == 0 && cnt < 0) st = 1003;
-    if (st != 0) return change_done(env, st);
+    if (st != 0) return call_leave(env, st);
     if (cnt == 0 || indices == nullptr) {
         TRVmsg(env->warnchannel, "Warning:  No rows being freed.\n");
         return 0;
@@ -432,7 +419,7 @@ TRV_EXPORT int TRVchgtofreerow(TRVenv env, TRVlp lp, int cnt, const int *indices
     rim_list_free(&r);
     trv_free(&slot_of_row);
     trv_free(&delstat);
-    return change_done(env, st);
+    return call_leave(env, st);
 }
 
 /* Takes the listed slots out of the rim descriptors and names. */
@@ -468,15 +455,14 @@ static int rims_remove(TRVenv env, TRVlp lp, const int *gone, rim_list *r) {
 TRV_EXPORT int TRVchgfromfreerow(TRVenv env, TRVlp lp, int cnt, const int *indices,
                                  const double *rhs, const char *sense,
                                  const double *rngval) {
-    if (!env_valid(env)) return 1002;
-    int st = change_frame(env, lp);
+    int st = call_enter(&env, &lp, CALL_CHANGE);
     lp_data *d = st == 0 ? lp->lpdata : nullptr;
     if (st == 0 && cnt < 0) st = 1003;
     if (st == 0 && cnt > 0 && (!indices || !rhs || !sense)) st = 1004;
     if (st == 0 && cnt > 0 && d->nfreerows == 0) st = 1218;
     if (st == 0) st = check_indices(env, cnt, indices, d->nfreerows, false);
     if (st == 0) st = check_senses(env, cnt, sense);
-    if (st != 0 || cnt == 0) return change_done(env, st);
+    if (st != 0 || cnt == 0) return call_leave(env, st);
     int *gone = trv_zalloc<int>(d->nrims);
     rim_list r = {};
     if (gone == nullptr) st = 1001;
@@ -530,13 +516,12 @@ TRV_EXPORT int TRVchgfromfreerow(TRVenv env, TRVlp lp, int cnt, const int *indic
     trv_free(&rn);
     rim_list_free(&r);
     trv_free(&gone);
-    return change_done(env, st);
+    return call_leave(env, st);
 }
 
 TRV_EXPORT int TRVchgfreecoef(TRVenv env, TRVlp lp, int cnt, const int *freeind,
                               const int *colind, const double *val) {
-    if (!env_valid(env)) return 1002;
-    int st = change_frame(env, lp);
+    int st = call_enter(&env, &lp, CALL_CHANGE);
     lp_data *d = st == 0 ? lp->lpdata : nullptr;
     if (st == 0 && cnt < 0) st = 1003;
     if (st == 0 && cnt > 0 && (!freeind || !colind || !val)) st = 1004;
@@ -567,5 +552,5 @@ TRV_EXPORT int TRVchgfreecoef(TRVenv env, TRVlp lp, int cnt, const int *freeind,
         }
     }
     rim_list_free(&r);
-    return change_done(env, st);
+    return call_leave(env, st);
 }

@@ -218,12 +218,8 @@ void sorted_pairs(int n, int *keys, double *values) {
 
 static int name_index(TRVenv env, TRVlp lp, const char *name, int *index_p,
                       bool rows) {
-    if (!env_valid(env)) return 1002;
-    int status = 0;
-    if (!lp_resolve(&lp)) {
-        status = 1009;
-    } else if ((status = lp_flush(env, lp, 1)) != 0) {
-        /* the merge of pending additions failed */
+    int status = call_enter(&env, &lp, CALL_VIEW | CALL_MERGE);
+    if (status != 0) {
     } else if (name == nullptr || index_p == nullptr) {
         status = 1004;
     } else {
@@ -242,8 +238,7 @@ static int name_index(TRVenv env, TRVlp lp, const char *name, int *index_p,
             return 1210; /* not found: a plain answer, not reported */
         }
     }
-    env_report(env, &status);
-    return status;
+    return call_leave(env, status);
 }
 
 TRV_EXPORT int TRVgetrowindex(TRVenv env, TRVlp lp, const char *name,

@@ -119,9 +119,9 @@ void invalidate(TRVenv env, TRVlp lp, int code) {
         lp->probtype != PROB_FIXED) {
         /* a basis of the view goes back to the problem once start records
          * exist; the view itself goes */
-        TRVfreeprob(env, &lp->relaxed);
+        lp_free(env, &lp->relaxed);
     }
-    if ((s & S_WORKCOPY) && lp->workcopy != nullptr) TRVfreeprob(env, &lp->workcopy);
+    if ((s & S_WORKCOPY) && lp->workcopy != nullptr) lp_free(env, &lp->workcopy);
     if (s & S_STAT) lp->stat = 0;
     /* the primal and dual norms kept with the stored basis (the
      * sensitivity record, S_MSENS and S_FSENS, has none yet) */

@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "store/lp.h"
+#include "store/scale.h"
 #include "simplex/lu.h"
 #include "simplex/dual.h"
 
@@ -20,6 +21,23 @@ bool lp_resolve(TRVlp *lp) {
     if ((*lp)->probtype == PROB_RELAXED || (*lp)->probtype == PROB_FIXED)
         *lp = (*lp)->relaxed;
     return lp_valid(*lp);
+}
+
+/* The problem's part of the call frame, held by its handle: the view, the
+ * type and memory model the call needs, and the merge of pending
+ * additions. */
+static int lp_check(TRVenv env, void **rec, unsigned flags) {
+    TRVlp lp = static_cast<TRVlp>(*rec);
+    if (!lp_valid(lp)) return 1009;
+    if ((flags & CALL_SINGLE) && (lp->probtype == PROB_RELAXED ||
+                                  lp->probtype == PROB_FIXED ||
+                                  lp->probtype == PROB_ZEROEDQP))
+        return 1023;
+    if ((flags & CALL_VIEW) && !lp_resolve(&lp)) return 1009;
+    if ((flags & CALL_LOADED) && lp->memmodel != MEM_LOAD) return 1008;
+    if ((flags & CALL_COPIED) && lp->memmodel != MEM_COPY) return 1008;
+    *rec = lp;
+    return (flags & CALL_MERGE) ? lp_flush(env, lp, 1) : 0;
 }
 
 /* ---- computational form ---------------------------------------------------- */
@@ -318,8 +336,8 @@ static int check_names(TRVenv env, int count, char **names) {
 void lp_free_records(TRVenv env, TRVlp lp) {
     if (lp->relaxed != nullptr && lp->probtype != PROB_RELAXED &&
         lp->probtype != PROB_FIXED)
-        TRVfreeprob(env, &lp->relaxed);
-    if (lp->workcopy != nullptr) TRVfreeprob(env, &lp->workcopy);
+        lp_free(env, &lp->relaxed);
+    if (lp->workcopy != nullptr) lp_free(env, &lp->workcopy);
     trv_free(&lp->dataptrs[0]);
     trv_free(&lp->dataptrs[1]);
     trv_free(&lp->dataptrs[2]);
@@ -386,44 +404,38 @@ static void lp_destroy(TRVenv env, TRVlp lp) {
     start_free(lp);
     lp_data_free(&lp->lpdata, lp->memmodel);
     trv_free(&lp->baseblock);
-    trv_handle_free(lp, sizeof *lp);
+    if (lp->handle != nullptr) handle_drop(lp->handle);
+    lp->self = nullptr;
+    trv_free(&lp);
+}
+
+void lp_free(TRVenv env, TRVlp *lp_p) {
+    if (*lp_p == nullptr) return;
+    env_disown(env, OWN_PROBLEM, (*lp_p)->handle);
+    lp_destroy(env, *lp_p);
+    *lp_p = nullptr;
 }
 
 TRV_EXPORT int TRVfreeprob(TRVenv env, TRVlp *lp_p) {
-    int status = 0;
-    if (!env_valid(env)) return 1002;
-    if (lp_p == nullptr) {
-        status = 1004;
-    } else if (*lp_p != nullptr) {
-        TRVlp lp = *lp_p;
-        if (!lp_valid(lp)) {
-            status = 1009;
-        } else {
-            env_disown(env, OWN_PROBLEM, lp);
-            lp_destroy(env, lp);
-            *lp_p = nullptr;
-        }
+    TRVlp lp = lp_p != nullptr ? *lp_p : nullptr;
+    int status = call_enter(&env, lp != nullptr ? &lp : nullptr, 0);
+    if (status == 0 && lp_p == nullptr) status = 1004;
+    if (status == 0 && lp != nullptr) {
+        lp_free(env, &lp);
+        *lp_p = nullptr;
     }
-    if (status != 0) env_report(env, &status);
-    return status;
+    return call_leave(env, status);
 }
 
 TRV_EXPORT int TRVunloadprob(TRVenv env, TRVlp *lp_p) {
-    int status = 0;
-    if (!env_valid(env)) return 1002;
-    if (lp_p == nullptr)
-        status = 1004;
-    else if (!lp_valid(*lp_p))
-        status = 1009;
-    else if ((*lp_p)->memmodel != MEM_LOAD)
-        status = 1008;
-    if (status != 0) {
-        env_report(env, &status);
-        return status;
-    }
+    TRVenv e = env;
+    TRVlp lp = lp_p != nullptr ? *lp_p : nullptr;
+    int status = call_enter(&e, &lp, CALL_LOADED);
+    if (status == 0 && lp_p == nullptr) status = 1004;
+    if (status != 0) return call_leave(e, status);
     /* The caller's arrays are held unscaled whenever the problem is free of
      * a scaling; a scaled problem gives its arrays back unscaled. */
-    TRVunscaleprob(env, *lp_p);
+    lp_unscale(e, lp);
     return TRVfreeprob(env, lp_p);
 }
 
@@ -500,11 +512,10 @@ static TRVlp lp_build(TRVenv env, const load_args &a, int *status_p) {
         if (status == 0) status = check_sense(env, a.numrows, a.sense);
     }
     if (status == 0) {
-        lp = static_cast<TRVlp>(trv_handle_alloc(sizeof(trvlp_rec)));
+        lp = trv_zalloc<trvlp_rec>(1);
         lp_data *d = lp ? trv_zalloc<lp_data>(1) : nullptr;
         if (d == nullptr) {
-            trv_handle_free(lp, sizeof(trvlp_rec));
-            lp = nullptr;
+            trv_free(&lp);
             status = 1001;
         } else {
             lp->self = lp->me = lp;
@@ -543,14 +554,17 @@ static TRVlp lp_build(TRVenv env, const load_args &a, int *status_p) {
                 !d->slackrow || !d->slackval)
                 status = 1001;
             if (status == 0) status = lp_finish_form(env, lp);
-            if (status == 0 && env_own(env, OWN_PROBLEM, lp) != 0) status = 1001;
+            if (status == 0) {
+                lp->handle = static_cast<TRVlp>(handle_new(HANDLE_LP, lp, env, lp_check));
+                if (lp->handle == nullptr || env_own(env, OWN_PROBLEM, lp->handle) != 0)
+                    status = 1001;
+            }
             if (status != 0) {
                 lp_destroy(env, lp);
                 lp = nullptr;
             }
         }
     }
-    if (status != 0) env_report(env, &status);
     if (status_p != nullptr) *status_p = status;
     return lp;
 }
@@ -565,7 +579,7 @@ TRV_EXPORT TRVlp TRVloadprob(TRVenv env, const char *probname, int numcols,
     char **rimname, char *rimnamestore, int colspace, int rowspace,
     int nzspace, int rimspace, int rimnzspace, int colnamespace,
     int rownamespace, int rimnamespace) {
-    if (!env_valid(env)) return nullptr;
+    if (call_enter(&env, nullptr, 0) != 0) return nullptr;
     load_args a = {probname, numcols, numrows, numrims, objsen, obj, rhs,
                    sense, matbeg, matcnt, matind, matval, lb, ub, rngval,
                    freerowind, rimtype, rimbeg, rimcnt, rimind, rimval,
@@ -573,7 +587,10 @@ TRV_EXPORT TRVlp TRVloadprob(TRVenv env, const char *probname, int numcols,
                    colnamestore, rowname, rownamestore, rimname, rimnamestore,
                    colspace, rowspace, nzspace, rimspace, rimnzspace,
                    colnamespace, rownamespace, rimnamespace};
-    return lp_build(env, a, nullptr);
+    int status = 0;
+    TRVlp lp = lp_build(env, a, &status);
+    call_leave(env, status);
+    return lp != nullptr ? lp->handle : nullptr;
 }
 
 TRV_EXPORT TRVlp TRVloadlpwnames(TRVenv env, const char *probname, int numcols,
@@ -601,12 +618,10 @@ TRV_EXPORT TRVlp TRVloadlp(TRVenv env, const char *probname, int numcols,
                            colspace, rowspace, nzspace, 0, 0);
 }
 
-TRV_EXPORT TRVlp TRVcreateprob(TRVenv env, int *status_p, const char *probname) {
+TRVlp lp_create(TRVenv env, int *status_p, const char *probname) {
     int status = 0;
     TRVlp lp = nullptr;
-    if (!env_valid(env)) {
-        status = 1002;
-    } else if (probname == nullptr) {
+    if (probname == nullptr) {
         status = 1004;
     } else if (std::strlen(probname) + 1.0 >= 2099999999.0) {
         status = 1012;
@@ -629,19 +644,27 @@ TRV_EXPORT TRVlp TRVcreateprob(TRVenv env, int *status_p, const char *probname) 
             if (lp != nullptr) lp->memmodel = MEM_COPY;
         } else {
             status = 1001;
-            env_report(env, &status);
         }
         if (lp == nullptr) {
             trv_free(&obj), trv_free(&rhs), trv_free(&matval), trv_free(&lb);
             trv_free(&ub), trv_free(&sense), trv_free(&matbeg);
             trv_free(&matcnt), trv_free(&matind);
         }
-        if (status_p != nullptr) *status_p = status;
-        return lp;
     }
-    env_report(env, &status);
     if (status_p != nullptr) *status_p = status;
-    return nullptr;
+    return lp;
+}
+
+TRV_EXPORT TRVlp TRVcreateprob(TRVenv env, int *status_p, const char *probname) {
+    int status = call_enter(&env, nullptr, 0);
+    if (status != 0) {
+        if (status_p != nullptr) *status_p = status;
+        return nullptr;
+    }
+    TRVlp lp = lp_create(env, &status, probname);
+    status = call_leave(env, status);
+    if (status_p != nullptr) *status_p = status;
+    return lp != nullptr ? lp->handle : nullptr;
 }
 
 /* ---- copying a model into a library-owned problem --------------------------- */
@@ -683,24 +706,13 @@ static int names_copy(int count, char **src, int space, char ***names_p,
     return 0;
 }
 
-static int copy_checks(TRVenv env, TRVlp lp, int numcols, int numrows) {
-    if (!lp_valid(lp)) return 1009;
-    if (lp->probtype == PROB_RELAXED || lp->probtype == PROB_FIXED ||
-        lp->probtype == PROB_ZEROEDQP)
-        return 1023;
-    if (lp->memmodel != MEM_COPY) return 1008;
-    if (numcols < 0 || numrows < 0) return 1003;
-    (void)env;
-    return 0;
-}
-
 /* Drops the MIP or QP parts before the model is replaced. */
 static void drop_special(TRVenv env, TRVlp lp) {
     lp_data *d = lp->lpdata;
     if (lp->probtype == PROB_MIP || lp->probtype == PROB_RELAXED ||
         lp->probtype == PROB_FIXED) {
         TRVmsg(env->warnchannel, "Freeing MIP data.\n");
-        if (lp->workcopy != nullptr) TRVfreeprob(env, &lp->workcopy);
+        if (lp->workcopy != nullptr) lp_free(env, &lp->workcopy);
         trv_free(&d->ctype);
     } else if (lp->probtype == PROB_QP || lp->probtype == PROB_ZEROEDQP) {
         TRVmsg(env->warnchannel, "Freeing QP data.\n");
@@ -714,8 +726,19 @@ TRV_EXPORT int TRVcopylpwnames(TRVenv env, TRVlp lp, int numcols, int numrows,
     const int *matbeg, const int *matcnt, const int *matind,
     const double *matval, const double *lb, const double *ub,
     const double *rngval, char **colname, char **rowname) {
-    if (!env_valid(env)) return 1002;
-    int status = copy_checks(env, lp, numcols, numrows);
+    int status = call_enter(&env, &lp, CALL_SINGLE | CALL_COPIED);
+    if (status == 0)
+        status = lp_copy(env, lp, numcols, numrows, objsen, obj, rhs, sense, matbeg,
+                         matcnt, matind, matval, lb, ub, rngval, colname, rowname);
+    return call_leave(env, status);
+}
+
+int lp_copy(TRVenv env, TRVlp lp, int numcols, int numrows, int objsen,
+            const double *obj, const double *rhs, const char *sense,
+            const int *matbeg, const int *matcnt, const int *matind,
+            const double *matval, const double *lb, const double *ub,
+            const double *rngval, char **colname, char **rowname) {
+    int status = numcols < 0 || numrows < 0 ? 1003 : 0;
     if (status == 0) drop_special(env, lp);
     if (status == 0 && (!obj || !rhs || !sense || !matbeg || !matcnt ||
                         !matind || !matval || !lb || !ub))
@@ -728,10 +751,7 @@ TRV_EXPORT int TRVcopylpwnames(TRVenv env, TRVlp lp, int numcols, int numrows,
         if (status == 0) status = check_names(env, numcols, colname);
         if (status == 0) status = check_names(env, numrows, rowname);
     }
-    if (status != 0) {
-        env_report(env, &status);
-        return status;
-    }
+    if (status != 0) return status;
     invalidate(env, lp, 16);
     lp_data *d = lp->lpdata;
     cache_free(&d->cache); /* pending additions belonged to the old model */
@@ -787,7 +807,6 @@ TRV_EXPORT int TRVcopylpwnames(TRVenv env, TRVlp lp, int numcols, int numrows,
         trv_free(&d->rowname), trv_free(&d->colname);
         trv_free(&d->rownamestore), trv_free(&d->colnamestore);
         d->rownamespace = d->colnamespace = 0;
-        env_report(env, &status);
     }
     return status;
 }
@@ -803,14 +822,8 @@ TRV_EXPORT int TRVcopylp(TRVenv env, TRVlp lp, int numcols, int numrows,
 }
 
 TRV_EXPORT int TRVcopyobjname(TRVenv env, TRVlp lp, const char *objname) {
-    if (!env_valid(env)) return 1002;
-    int status = 0;
-    if (!lp_resolve(&lp))
-        status = 1009;
-    else if (lp->memmodel != MEM_COPY)
-        status = 1008;
-    else if (objname == nullptr)
-        status = 1004;
+    int status = call_enter(&env, &lp, CALL_VIEW | CALL_COPIED);
+    if (status == 0 && objname == nullptr) status = 1004;
     if (status == 0) {
         char *copy = trv_strdup(objname);
         if (copy == nullptr) {
@@ -820,71 +833,49 @@ TRV_EXPORT int TRVcopyobjname(TRVenv env, TRVlp lp, const char *objname) {
             lp->lpdata->objname = copy;
         }
     }
-    if (status != 0) env_report(env, &status);
-    return status;
+    return call_leave(env, status);
 }
 
 TRV_EXPORT TRVlp TRVcloneprob(TRVenv env, TRVlp lp, int *status_p) {
-    int status = 0;
     TRVlp copy = nullptr;
-    if (!env_valid(env)) {
-        if (status_p != nullptr) *status_p = 1002;
-        return nullptr;
-    }
-    if (!lp_resolve(&lp)) status = 1009;
-    if (status == 0) status = lp_flush(env, lp, 1);
+    int status = call_enter(&env, &lp, CALL_VIEW | CALL_MERGE | CALL_FAMILY);
     if (status == 0) {
         lp_data *s = lp->lpdata;
-        copy = TRVcreateprob(env, &status, s->probname);
+        copy = lp_create(env, &status, s->probname);
         if (copy != nullptr) {
-            int keep[3] = {par_int(env, 1046), par_int(env, 1047), par_int(env, 1048)};
-            TRVsetintparam(env, 1046, 0);
-            TRVsetintparam(env, 1047, 0);
-            TRVsetintparam(env, 1048, 0);
-            status = TRVcopylpwnames(env, copy, s->ncols, s->nrows, s->objsen,
-                                     s->obj, s->rhs, s->sense, s->matbeg,
-                                     s->matcnt, s->matind, s->matval, s->lb,
-                                     s->ub, s->rngval, s->colname, s->rowname);
-            TRVsetintparam(env, 1046, keep[0]);
-            TRVsetintparam(env, 1047, keep[1]);
-            TRVsetintparam(env, 1048, keep[2]);
-            /* copylpwnames has reported its own failure; the allocations
-             * below report theirs here. */
+            int keep[3] = {par_swap_int(env, 1046, 0), par_swap_int(env, 1047, 0),
+                           par_swap_int(env, 1048, 0)};
+            status = lp_copy(env, copy, s->ncols, s->nrows, s->objsen, s->obj, s->rhs,
+                             s->sense, s->matbeg, s->matcnt, s->matind, s->matval, s->lb,
+                             s->ub, s->rngval, s->colname, s->rowname);
+            par_swap_int(env, 1046, keep[0]);
+            par_swap_int(env, 1047, keep[1]);
+            par_swap_int(env, 1048, keep[2]);
             lp_data *d = copy->lpdata;
-            int late = 0;
             if (status == 0 && s->objname != nullptr) {
                 d->objname = trv_strdup(s->objname);
-                if (d->objname == nullptr) late = 1001;
+                if (d->objname == nullptr) status = 1001;
             }
-            if (status == 0 && late == 0 && s->ctype != nullptr) {
+            if (status == 0 && s->ctype != nullptr) {
                 d->ctype = trv_alloc<char>(d->colspace);
                 if (d->ctype == nullptr)
-                    late = 1001;
+                    status = 1001;
                 else
                     std::memcpy(d->ctype, s->ctype, d->nstruct);
-            }
-            if (late != 0) {
-                status = late;
-                env_report(env, &late);
             }
             if (status == 0)
                 copy->probtype = lp->probtype;
             else
-                TRVfreeprob(env, &copy);
+                lp_free(env, &copy);
         }
-    } else {
-        env_report(env, &status);
     }
+    status = call_leave(env, status);
     if (status_p != nullptr) *status_p = status;
-    return copy;
+    return copy != nullptr ? copy->handle : nullptr;
 }
 
 TRV_EXPORT int TRVcompletelp(TRVenv env, TRVlp lp) {
-    if (!env_valid(env)) return 1002;
-    int status = lp_resolve(&lp) ? 0 : 1009;
-    if (status == 0) status = lp_flush(env, lp, 1);
-    if (status != 0) env_report(env, &status);
-    return status;
+    return call_leave(env, call_enter(&env, &lp, CALL_VIEW | CALL_MERGE));
 }
 
 /* ---- growing a loaded problem's arrays in place of its caller ------------- */
@@ -895,16 +886,9 @@ TRV_EXPORT int TRVreallocprob(TRVenv env, TRVlp lp, double **obj_p,
     double **rngval_p, char ***colname_p, char **colnamestore_p,
     char ***rowname_p, char **rownamestore_p, int colspace, int rowspace,
     int nzspace, int colnamespace, int rownamespace) {
-    if (!env_valid(env)) return 1002;
-    int status = 0;
+    int status = call_enter(&env, &lp, CALL_SINGLE | CALL_LOADED);
     lp_data *d = nullptr;
-    if (!lp_valid(lp)) {
-        status = 1009;
-    } else if (lp->probtype == PROB_RELAXED || lp->probtype == PROB_FIXED ||
-               lp->probtype == PROB_ZEROEDQP) {
-        status = 1023;
-    } else if (lp->memmodel != MEM_LOAD) {
-        status = 1008;
+    if (status != 0) {
     } else if (lp->probtype == PROB_QP) {
         status = 1018;
     } else if (colspace < 1 || rowspace < 1 || nzspace < 1 || colnamespace < 0 ||
@@ -989,6 +973,5 @@ TRV_EXPORT int TRVreallocprob(TRVenv env, TRVlp lp, double **obj_p,
         if (rownamestore_p && d->rownamestore) *rownamestore_p = d->rownamestore;
         if (status == 0) lp_updatecap(env, d);
     }
-    if (status != 0) env_report(env, &status);
-    return status;
+    return call_leave(env, status);
 }

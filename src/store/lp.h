@@ -102,7 +102,26 @@ struct trvlp_rec {
     trvlp_rec *workcopy;
     bar_rec *barrier;
     qp_rec *qp;
+    trvlp_rec *handle; /* the token the caller holds for this record */
 };
+
+/* The record checks under the call frame: a live record; a relaxed or
+ * fixed view replaced by the problem it wraps. */
+bool lp_valid(TRVlp lp);
+bool lp_resolve(TRVlp *lp);
+
+/* A new empty problem that owns its arrays (the work of TRVcreateprob);
+ * null with *status_p set, not reported. */
+TRVlp lp_create(TRVenv env, int *status_p, const char *probname);
+/* Frees a problem of env's and everything it holds; *lp_p is nulled. */
+void lp_free(TRVenv env, TRVlp *lp_p);
+/* Replaces the model of a problem that owns its arrays (the work of
+ * TRVcopylpwnames); 0 or a code, not reported. */
+int lp_copy(TRVenv env, TRVlp lp, int numcols, int numrows, int objsen,
+            const double *obj, const double *rhs, const char *sense,
+            const int *matbeg, const int *matcnt, const int *matind,
+            const double *matval, const double *lb, const double *ub,
+            const double *rngval, char **colname, char **rowname);
 
 /* Computational form and capacities. */
 int lp_rebuild(TRVenv env, TRVlp lp);

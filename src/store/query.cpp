@@ -5,24 +5,11 @@
 
 #include "store/lp.h"
 
-/* Frame of a count query: a bad handle reports and counts as 0. */
-static lp_data *query_data(TRVenv env, TRVlp lp) {
-    if (!env_valid(env)) return nullptr;
-    if (!lp_resolve(&lp)) {
-        int status = 1009;
-        env_report(env, &status);
-        return nullptr;
-    }
-    return lp->lpdata;
-}
-
-/* Frame of a query that hands out data: pending additions are merged
- * first. A failed merge reports and counts as 0. */
-static lp_data *merged_data(TRVenv env, TRVlp lp) {
-    if (!env_valid(env)) return nullptr;
-    int status = lp_resolve(&lp) ? lp_flush(env, lp, 1) : 1009;
+/* A count query: a bad handle reports and counts as 0. */
+static lp_data *query_data(TRVenv *env, TRVlp lp, unsigned flags) {
+    int status = call_enter(env, &lp, flags);
     if (status != 0) {
-        env_report(env, &status);
+        call_leave(*env, status);
         return nullptr;
     }
     return lp->lpdata;
@@ -35,17 +22,17 @@ static int pending(const lp_data *d, int what) {
 }
 
 TRV_EXPORT int TRVgetnumcols(TRVenv env, TRVlp lp) {
-    lp_data *d = query_data(env, lp);
+    lp_data *d = query_data(&env, lp, CALL_VIEW);
     return d ? d->ncols + pending(d, 0) : 0;
 }
 
 TRV_EXPORT int TRVgetnumrows(TRVenv env, TRVlp lp) {
-    lp_data *d = query_data(env, lp);
+    lp_data *d = query_data(&env, lp, CALL_VIEW);
     return d ? d->nrows + pending(d, 1) : 0;
 }
 
 TRV_EXPORT int TRVgetnumnz(TRVenv env, TRVlp lp) {
-    lp_data *d = query_data(env, lp);
+    lp_data *d = query_data(&env, lp, CALL_VIEW);
     if (d == nullptr) return 0;
     int nz = 0;
     for (int j = 0; j < d->ncols; j++) nz += d->matcnt[j];
@@ -53,20 +40,18 @@ TRV_EXPORT int TRVgetnumnz(TRVenv env, TRVlp lp) {
 }
 
 TRV_EXPORT int TRVgetprobtype(TRVenv env, TRVlp lp) {
-    if (!env_valid(env)) return -1;
-    if (!lp_valid(lp)) {
-        int status = 1009;
-        env_report(env, &status);
+    int status = call_enter(&env, &lp, 0);
+    if (status != 0) {
+        call_leave(env, status);
         return -1;
     }
     return lp->probtype;
 }
 
 TRV_EXPORT int TRVgetstat(TRVenv env, TRVlp lp) {
-    if (!env_valid(env)) return 0;
-    int status = lp_valid(lp) ? lp_flush(env, lp, 1) : 1009;
+    int status = call_enter(&env, &lp, CALL_MERGE);
     if (status != 0) {
-        env_report(env, &status);
+        call_leave(env, status);
         return 0;
     }
     return lp->stat;
@@ -76,12 +61,12 @@ TRV_EXPORT int TRVgetstat(TRVenv env, TRVlp lp) {
 
 #define SCALAR_GETTER(fname, expr)                  \
     TRV_EXPORT int fname(TRVenv env, TRVlp lp) {    \
-        lp_data *d = query_data(env, lp);           \
+        lp_data *d = query_data(&env, lp, CALL_VIEW); \
         return d ? (expr) : 0;                      \
     }
 
 TRV_EXPORT int TRVgetnumrims(TRVenv env, TRVlp lp) {
-    lp_data *d = merged_data(env, lp);
+    lp_data *d = query_data(&env, lp, CALL_VIEW | CALL_MERGE);
     return d ? d->nrims : 0;
 }
 
@@ -108,35 +93,26 @@ SCALAR_GETTER(TRVgetnumrimnz, rim_nz(d, d->nfreerows, d->nrims))
 
 /* ---- range getters ------------------------------------------------------ */
 
-/* Frame of a range getter: handle, range and array. Null on failure with
- * *status set (negative when the message is out). */
-static lp_data *range_frame(TRVenv env, TRVlp lp, const char *fname,
-                            const void *array, int begin, int end, int count_kind,
-                            int *status) {
-    *status = 0;
-    if (!env_valid(env)) {
-        *status = 1002;
-        return nullptr;
-    }
-    if (!lp_resolve(&lp)) {
-        *status = 1009;
-        return nullptr;
-    }
-    *status = lp_flush(env, lp, 1);
+/* The arguments of a range getter over count items: an empty range
+ * writes nothing; else the range and the array. */
+static int range_args(TRVenv env, const char *fname, const void *array, int begin,
+                      int end, int count) {
+    if (begin > end) return 0;
+    if (!range_check(env, fname, begin, end, 0, count)) return 1200;
+    return array == nullptr ? 1004 : 0;
+}
+
+/* Opens a range getter: the frame and then its arguments; the model's
+ * data, or null with *status set. */
+static lp_data *range_frame(TRVenv *env, TRVlp lp, const char *fname, const void *array,
+                            int begin, int end, int count_kind, int *status) {
+    *status = call_enter(env, &lp, CALL_VIEW | CALL_MERGE);
     if (*status != 0) return nullptr;
     lp_data *d = lp->lpdata;
     int count = count_kind == 0 ? d->ncols : count_kind == 1 ? d->nrows
               : count_kind == 2 ? d->nfreerows : d->nrims;
-    if (begin > end) return d; /* an empty range writes nothing */
-    if (!range_check(env, fname, begin, end, 0, count)) {
-        *status = 1200;
-        return nullptr;
-    }
-    if (array == nullptr) {
-        *status = 1004;
-        return nullptr;
-    }
-    return d;
+    *status = range_args(*env, fname, array, begin, end, count);
+    return *status == 0 ? d : nullptr;
 }
 
 enum { OVER_COLS = 0, OVER_ROWS = 1, OVER_FREEROWS = 2, OVER_RIMS = 3 };
@@ -145,32 +121,27 @@ enum { OVER_COLS = 0, OVER_ROWS = 1, OVER_FREEROWS = 2, OVER_RIMS = 3 };
  * is given this stand-in for the array it would otherwise check. */
 static const char arrays_checked_later = 0;
 
-static int range_done(TRVenv env, int status) {
-    if (status != 0) env_report(env, &status);
-    return status;
-}
-
 TRV_EXPORT int TRVgetobj(TRVenv env, TRVlp lp, double *obj, int begin, int end) {
     int st;
-    lp_data *d = range_frame(env, lp, "TRVgetobj", obj, begin, end, OVER_COLS, &st);
+    lp_data *d = range_frame(&env, lp, "TRVgetobj", obj, begin, end, OVER_COLS, &st);
     for (int j = begin; d && j <= end; j++)
         obj[j - begin] = d->colscale ? d->obj[j] * d->colscale[j] : d->obj[j];
-    return range_done(env, st);
+    return call_leave(env, st);
 }
 
 TRV_EXPORT int TRVgetrhs(TRVenv env, TRVlp lp, double *rhs, int begin, int end) {
     int st;
-    lp_data *d = range_frame(env, lp, "TRVgetrhs", rhs, begin, end, OVER_ROWS, &st);
+    lp_data *d = range_frame(&env, lp, "TRVgetrhs", rhs, begin, end, OVER_ROWS, &st);
     for (int i = begin; d && i <= end; i++)
         rhs[i - begin] = d->rowscale ? d->rhs[i] * d->rowscale[i] : d->rhs[i];
-    return range_done(env, st);
+    return call_leave(env, st);
 }
 
 TRV_EXPORT int TRVgetsense(TRVenv env, TRVlp lp, char *sense, int begin, int end) {
     int st;
-    lp_data *d = range_frame(env, lp, "TRVgetsense", sense, begin, end, OVER_ROWS, &st);
+    lp_data *d = range_frame(&env, lp, "TRVgetsense", sense, begin, end, OVER_ROWS, &st);
     for (int i = begin; d && i <= end; i++) sense[i - begin] = d->sense[i];
-    return range_done(env, st);
+    return call_leave(env, st);
 }
 
 static double unscale_bound(const lp_data *d, int j, double v) {
@@ -180,58 +151,55 @@ static double unscale_bound(const lp_data *d, int j, double v) {
 
 TRV_EXPORT int TRVgetlb(TRVenv env, TRVlp lp, double *lb, int begin, int end) {
     int st;
-    lp_data *d = range_frame(env, lp, "TRVgetlb", lb, begin, end, OVER_COLS, &st);
+    lp_data *d = range_frame(&env, lp, "TRVgetlb", lb, begin, end, OVER_COLS, &st);
     for (int j = begin; d && j <= end; j++) lb[j - begin] = unscale_bound(d, j, d->lb[j]);
-    return range_done(env, st);
+    return call_leave(env, st);
 }
 
 TRV_EXPORT int TRVgetub(TRVenv env, TRVlp lp, double *ub, int begin, int end) {
     int st;
-    lp_data *d = range_frame(env, lp, "TRVgetub", ub, begin, end, OVER_COLS, &st);
+    lp_data *d = range_frame(&env, lp, "TRVgetub", ub, begin, end, OVER_COLS, &st);
     for (int j = begin; d && j <= end; j++) ub[j - begin] = unscale_bound(d, j, d->ub[j]);
-    return range_done(env, st);
+    return call_leave(env, st);
 }
 
 TRV_EXPORT int TRVgetrngval(TRVenv env, TRVlp lp, double *rngval, int begin, int end) {
     int st;
-    lp_data *d = range_frame(env, lp, "TRVgetrngval", rngval, begin, end, OVER_ROWS, &st);
+    lp_data *d = range_frame(&env, lp, "TRVgetrngval", rngval, begin, end, OVER_ROWS, &st);
     if (d && begin <= end && d->rngval == nullptr) {
         st = 1216;
         d = nullptr;
     }
     for (int i = begin; d && i <= end; i++)
         rngval[i - begin] = d->rowscale ? d->rngval[i] * d->rowscale[i] : d->rngval[i];
-    return range_done(env, st);
+    return call_leave(env, st);
 }
 
 TRV_EXPORT int TRVgetfreerowind(TRVenv env, TRVlp lp, int *ind, int begin, int end) {
     int st;
-    lp_data *d = range_frame(env, lp, "TRVgetfreerowind", ind, begin, end, OVER_FREEROWS, &st);
+    lp_data *d = range_frame(&env, lp, "TRVgetfreerowind", ind, begin, end, OVER_FREEROWS, &st);
     if (d && begin <= end && d->freerowind == nullptr) {
         st = 1218;
         d = nullptr;
     }
     for (int k = begin; d && k <= end; k++) ind[k - begin] = d->freerowind[k];
-    return range_done(env, st);
+    return call_leave(env, st);
 }
 
 TRV_EXPORT int TRVgetrimtype(TRVenv env, TRVlp lp, int *type, int begin, int end) {
     int st;
-    lp_data *d = range_frame(env, lp, "TRVgetrimtype", type, begin, end, OVER_RIMS, &st);
+    lp_data *d = range_frame(&env, lp, "TRVgetrimtype", type, begin, end, OVER_RIMS, &st);
     if (d && begin <= end && d->rimtype == nullptr) {
         st = 1218;
         d = nullptr;
     }
     for (int k = begin; d && k <= end; k++) type[k - begin] = d->rimtype[k];
-    return range_done(env, st);
+    return call_leave(env, st);
 }
 
 TRV_EXPORT int TRVgetcoef(TRVenv env, TRVlp lp, int i, int j, double *coef_p) {
-    if (!env_valid(env)) return 1002;
-    int st = 0;
-    if (!lp_resolve(&lp)) {
-        st = 1009;
-    } else if ((st = lp_flush(env, lp, 1)) == 0) {
+    int st = call_enter(&env, &lp, CALL_VIEW | CALL_MERGE);
+    if (st == 0) {
         lp_data *d = lp->lpdata;
         if (!range_check(env, "TRVgetcoef", i, i, 0, d->nrows) ||
             !range_check(env, "TRVgetcoef", j, j, 0, d->ncols)) {
@@ -249,7 +217,7 @@ TRV_EXPORT int TRVgetcoef(TRVenv env, TRVlp lp, int i, int j, double *coef_p) {
                 }
         }
     }
-    return range_done(env, st);
+    return call_leave(env, st);
 }
 
 /* ---- matrix getters --------------------------------------------------------- */
@@ -272,8 +240,8 @@ TRV_EXPORT int TRVgetcols(TRVenv env, TRVlp lp, int *nzcnt_p, int *cmatbeg,
     if (nzcnt_p) *nzcnt_p = 0;
     if (surplus_p) *surplus_p = 0;
     int st;
-    lp_data *d = range_frame(env, lp, "TRVgetcols", &arrays_checked_later, begin, end, OVER_COLS, &st);
-    if (d == nullptr || begin > end) return range_done(env, st);
+    lp_data *d = range_frame(&env, lp, "TRVgetcols", &arrays_checked_later, begin, end, OVER_COLS, &st);
+    if (d == nullptr || begin > end) return call_leave(env, st);
     long total = 0;
     for (int j = begin; j <= end; j++) total += d->matcnt[j];
     if (cmatspace == 0 && surplus_p != nullptr) {
@@ -284,7 +252,7 @@ TRV_EXPORT int TRVgetcols(TRVenv env, TRVlp lp, int *nzcnt_p, int *cmatbeg,
         return total > 0 ? 1207 : 0;
     }
     if (!nzcnt_p || !cmatbeg || !cmatind || !cmatval || !surplus_p)
-        return range_done(env, 1004);
+        return call_leave(env, 1004);
     long k = 0;
     for (int j = begin; j <= end; j++) {
         cmatbeg[j - begin] = static_cast<int>(k);
@@ -297,7 +265,7 @@ TRV_EXPORT int TRVgetcols(TRVenv env, TRVlp lp, int *nzcnt_p, int *cmatbeg,
             cmatval[k] = v;
         }
     }
-    return range_done(env, space_result(cmatspace, total, nzcnt_p, surplus_p));
+    return call_leave(env, space_result(cmatspace, total, nzcnt_p, surplus_p));
 }
 
 TRV_EXPORT int TRVgetrows(TRVenv env, TRVlp lp, int *nzcnt_p, int *rmatbeg,
@@ -306,11 +274,11 @@ TRV_EXPORT int TRVgetrows(TRVenv env, TRVlp lp, int *nzcnt_p, int *rmatbeg,
     if (nzcnt_p) *nzcnt_p = 0;
     if (surplus_p) *surplus_p = 0;
     int st;
-    lp_data *d = range_frame(env, lp, "TRVgetrows", &arrays_checked_later, begin, end, OVER_ROWS, &st);
-    if (d == nullptr || begin > end) return range_done(env, st);
+    lp_data *d = range_frame(&env, lp, "TRVgetrows", &arrays_checked_later, begin, end, OVER_ROWS, &st);
+    if (d == nullptr || begin > end) return call_leave(env, st);
     int nr = end - begin + 1;
     int *cnt = trv_zalloc<int>(nr + 1);
-    if (cnt == nullptr) return range_done(env, 1001);
+    if (cnt == nullptr) return call_leave(env, 1001);
     for (int j = 0; j < d->ncols; j++)
         for (int p = d->matbeg[j]; p < d->colend[j]; p++) {
             int i = d->matind[p];
@@ -327,7 +295,7 @@ TRV_EXPORT int TRVgetrows(TRVenv env, TRVlp lp, int *nzcnt_p, int *rmatbeg,
     }
     if (!nzcnt_p || !rmatbeg || !rmatind || !rmatval || !surplus_p) {
         trv_free(&cnt);
-        return range_done(env, 1004);
+        return call_leave(env, 1004);
     }
     for (int r = 0; r < nr; r++) rmatbeg[r] = cnt[r];
     /* columns in order, so each row's entries come out by column */
@@ -343,7 +311,7 @@ TRV_EXPORT int TRVgetrows(TRVenv env, TRVlp lp, int *nzcnt_p, int *rmatbeg,
             rmatval[k] = v;
         }
     trv_free(&cnt);
-    return range_done(env, space_result(rmatspace, total, nzcnt_p, surplus_p));
+    return call_leave(env, space_result(rmatspace, total, nzcnt_p, surplus_p));
 }
 
 /* Free rows (rims from 0 to nfreerows - 1) keep their entries in the top
@@ -354,18 +322,17 @@ static int rim_matrix(TRVenv env, TRVlp lp, const char *fname, bool freerows,
                       int *surplus_p, int begin, int end) {
     if (nzcnt_p) *nzcnt_p = 0;
     if (surplus_p) *surplus_p = 0;
-    if (!env_valid(env)) return 1002;
-    int st = lp_resolve(&lp) ? lp_flush(env, lp, 1) : 1009;
-    if (st != 0) return range_done(env, st);
+    int st = call_enter(&env, &lp, CALL_VIEW | CALL_MERGE);
+    if (st != 0) return call_leave(env, st);
     const lp_data *d = lp->lpdata;
     if (d->rimbeg == nullptr || d->rimcnt == nullptr || d->nfreerows == 0)
-        return range_done(env, 1218);
+        return call_leave(env, 1218);
     if (begin > end) return 0;
     int low = freerows ? 0 : d->nfreerows, count = freerows ? d->nfreerows : d->nrims;
-    if (!range_check(env, fname, begin, end, low, count)) return range_done(env, 1200);
+    if (!range_check(env, fname, begin, end, low, count)) return call_leave(env, 1200);
     const int *src_ind = freerows ? d->matind : d->rimind;
     const double *src_val = freerows ? d->matval : d->rimval;
-    if (!freerows && (src_ind == nullptr || src_val == nullptr)) return range_done(env, 1218);
+    if (!freerows && (src_ind == nullptr || src_val == nullptr)) return call_leave(env, 1218);
     long total = 0;
     for (int k = begin; k <= end; k++) total += d->rimcnt[k];
     if (space == 0 && surplus_p != nullptr) {
@@ -374,7 +341,7 @@ static int rim_matrix(TRVenv env, TRVlp lp, const char *fname, bool freerows,
             for (int k = begin; k <= end; k++) beg[k - begin] = 0;
         return total > 0 ? 1207 : 0;
     }
-    if (!nzcnt_p || !beg || !ind || !val || !surplus_p) return range_done(env, 1004);
+    if (!nzcnt_p || !beg || !ind || !val || !surplus_p) return call_leave(env, 1004);
     long n = 0;
     for (int k = begin; k <= end; k++) {
         beg[k - begin] = static_cast<int>(n);
@@ -384,7 +351,7 @@ static int rim_matrix(TRVenv env, TRVlp lp, const char *fname, bool freerows,
             val[n] = src_val[q];
         }
     }
-    return range_done(env, space_result(space, total, nzcnt_p, surplus_p));
+    return call_leave(env, space_result(space, total, nzcnt_p, surplus_p));
 }
 
 TRV_EXPORT int TRVgetfreerows(TRVenv env, TRVlp lp, int *nzcnt_p, int *fmatbeg,
@@ -433,38 +400,35 @@ static int names_out(TRVenv env, char **names, const char *fname, int count,
 
 TRV_EXPORT int TRVgetcolname(TRVenv env, TRVlp lp, char **name, char *namestore,
                              int storespace, int *surplus_p, int begin, int end) {
-    if (!env_valid(env)) return 1002;
-    int st = lp_resolve(&lp) ? lp_flush(env, lp, 1) : 1009;
+    int st = call_enter(&env, &lp, CALL_VIEW | CALL_MERGE);
     if (st == 0) {
         lp_data *d = lp->lpdata;
         st = names_out(env, d->colname, "TRVgetcname", d->ncols, name, namestore,
                        storespace, surplus_p, begin, end);
     }
-    return range_done(env, st);
+    return call_leave(env, st);
 }
 
 TRV_EXPORT int TRVgetrowname(TRVenv env, TRVlp lp, char **name, char *namestore,
                              int storespace, int *surplus_p, int begin, int end) {
-    if (!env_valid(env)) return 1002;
-    int st = lp_resolve(&lp) ? lp_flush(env, lp, 1) : 1009;
+    int st = call_enter(&env, &lp, CALL_VIEW | CALL_MERGE);
     if (st == 0) {
         lp_data *d = lp->lpdata;
         st = names_out(env, d->rowname, "TRVgetrname", d->nrows, name, namestore,
                        storespace, surplus_p, begin, end);
     }
-    return range_done(env, st);
+    return call_leave(env, st);
 }
 
 TRV_EXPORT int TRVgetrimname(TRVenv env, TRVlp lp, char **name, char *namestore,
                              int storespace, int *surplus_p, int begin, int end) {
-    if (!env_valid(env)) return 1002;
-    int st = lp_resolve(&lp) ? lp_flush(env, lp, 1) : 1009;
+    int st = call_enter(&env, &lp, CALL_VIEW | CALL_MERGE);
     if (st == 0) {
         lp_data *d = lp->lpdata;
         st = names_out(env, d->rimname, "TRVgetrimname", d->nrims, name, namestore,
                        storespace, surplus_p, begin, end);
     }
-    return range_done(env, st);
+    return call_leave(env, st);
 }
 
 /* One string into a caller's buffer, with the space convention. */
@@ -481,33 +445,29 @@ static int string_out(const char *s, char *buf, int bufspace, int *surplus_p) {
 
 TRV_EXPORT int TRVgetprobname(TRVenv env, TRVlp lp, char *buf, int bufspace,
                               int *surplus_p) {
-    if (!env_valid(env)) return 1002;
     if (surplus_p) *surplus_p = 0;
-    int st = 1009;
-    if (lp_resolve(&lp)) st = string_out(lp->lpdata->probname, buf, bufspace, surplus_p);
-    return range_done(env, st);
+    int st = call_enter(&env, &lp, CALL_VIEW);
+    if (st == 0) st = string_out(lp->lpdata->probname, buf, bufspace, surplus_p);
+    return call_leave(env, st);
 }
 
 TRV_EXPORT int TRVgetobjname(TRVenv env, TRVlp lp, char *buf, int bufspace,
                              int *surplus_p) {
-    if (!env_valid(env)) return 1002;
     if (surplus_p) *surplus_p = 0;
-    int st = 1009;
-    if (lp_resolve(&lp)) {
+    int st = call_enter(&env, &lp, CALL_VIEW);
+    if (st == 0) {
         const char *s = lp->lpdata->objname;
         st = s == nullptr ? 1220 : string_out(s, buf, bufspace, surplus_p);
     }
-    return range_done(env, st);
+    return call_leave(env, st);
 }
 
 /* The names of the data set and of the chosen RHS, RANGES and BOUNDS
  * vectors, as kept from a file: the pointer to the internal string, which
  * is null when there is none. */
 static int name_pointer(TRVenv env, TRVlp lp, char **name_p, int which) {
-    if (!env_valid(env)) return 1002;
-    int st = 0;
-    if (!lp_resolve(&lp)) {
-        st = 1009;
+    int st = call_enter(&env, &lp, CALL_VIEW);
+    if (st != 0) {
     } else if (name_p == nullptr) {
         st = 1004;
     } else {
@@ -515,7 +475,7 @@ static int name_pointer(TRVenv env, TRVlp lp, char **name_p, int which) {
         *name_p = which == 0 ? d->dataname : which == 1 ? d->rhsname
                 : which == 2 ? d->rngname : d->bndname;
     }
-    return range_done(env, st);
+    return call_leave(env, st);
 }
 
 TRV_EXPORT int TRVgetdataname(TRVenv env, TRVlp lp, char **name_p) {

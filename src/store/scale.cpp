@@ -11,7 +11,7 @@
  */
 #include <cmath>
 
-#include "store/lp.h"
+#include "store/scale.h"
 
 #define SCALE_ZERO 1e-13
 
@@ -229,13 +229,8 @@ int lp_scale(TRVenv env, TRVlp lp, int want) {
 }
 
 TRV_EXPORT int TRVunscaleprob(TRVenv env, TRVlp lp) {
-    if (!env_valid(env)) return 1002;
-    int status = 0;
-    if (!lp_valid(lp)) {
-        status = 1009;
-        env_report(env, &status);
-        return status;
-    }
+    int status = call_enter(&env, &lp, 0);
+    if (status != 0) return call_leave(env, status);
     bool was = lp->lpdata->colscale != nullptr;
     lp_unscale(env, lp);
     drop_stores(lp->lpdata);

@@ -16,14 +16,6 @@
 
 /* ---- shared frame pieces ----------------------------------------------------- */
 
-int change_frame(TRVenv env, TRVlp lp) {
-    if (!lp_valid(lp)) return 1009;
-    if (lp->probtype == PROB_RELAXED || lp->probtype == PROB_FIXED ||
-        lp->probtype == PROB_ZEROEDQP)
-        return 1023;
-    return lp_flush(env, lp, 1);
-}
-
 int check_indices(TRVenv env, int cnt, const int *ind, int count, bool cols) {
     if (cnt < 0) return 1003;
     for (int k = 0; k < cnt; k++)
@@ -44,16 +36,9 @@ void presolve_follow(TRVenv env, TRVlp lp, const char *message) {
     if (lp->presolve != nullptr) TRVmsg(env->warnchannel, "%s", message);
 }
 
-static int change_done(TRVenv env, int status) {
-    if (status != 0) env_report(env, &status);
-    return status;
-}
-
-/* Frame and the checks of a list change: cnt, arrays, indices. */
-static int list_frame(TRVenv env, TRVlp lp, int cnt, const int *ind, const void *a,
-                      const void *b, bool cols) {
-    int st = change_frame(env, lp);
-    if (st != 0) return st;
+/* The checks of a list change: cnt, arrays, indices. */
+static int list_args(TRVenv env, TRVlp lp, int cnt, const int *ind, const void *a,
+                     const void *b, bool cols) {
     if (cnt < 0) return 1003;
     if (cnt > 0 && (ind == nullptr || a == nullptr || b == nullptr)) return 1004;
     lp_data *d = lp->lpdata;
@@ -64,8 +49,8 @@ static int list_frame(TRVenv env, TRVlp lp, int cnt, const int *ind, const void 
 
 TRV_EXPORT int TRVchgobj(TRVenv env, TRVlp lp, int cnt, const int *indices,
                          const double *values) {
-    if (!env_valid(env)) return 1002;
-    int st = list_frame(env, lp, cnt, indices, values, values, true);
+    int st = call_enter(&env, &lp, CALL_CHANGE);
+    if (st == 0) st = list_args(env, lp, cnt, indices, values, values, true);
     if (st == 0 && cnt > 0) {
         lp_data *d = lp->lpdata;
         presolve_follow(env, lp, "Warning: Changing obj. of the presolved model fails.\n");
@@ -75,13 +60,13 @@ TRV_EXPORT int TRVchgobj(TRVenv env, TRVlp lp, int cnt, const int *indices,
             d->obj[j] = values[k] / colfac(d, j);
         }
     }
-    return change_done(env, st);
+    return call_leave(env, st);
 }
 
 TRV_EXPORT int TRVchgrhs(TRVenv env, TRVlp lp, int cnt, const int *indices,
                          const double *values) {
-    if (!env_valid(env)) return 1002;
-    int st = list_frame(env, lp, cnt, indices, values, values, false);
+    int st = call_enter(&env, &lp, CALL_CHANGE);
+    if (st == 0) st = list_args(env, lp, cnt, indices, values, values, false);
     if (st == 0 && cnt > 0) {
         lp_data *d = lp->lpdata;
         presolve_follow(env, lp, "Warning: Changing rhs of the presolved model fails.\n");
@@ -91,7 +76,7 @@ TRV_EXPORT int TRVchgrhs(TRVenv env, TRVlp lp, int cnt, const int *indices,
             d->rhs[i] = values[k] / rowfac(d, i);
         }
     }
-    return change_done(env, st);
+    return call_leave(env, st);
 }
 
 /* The range column of row i, or -1. */
@@ -124,22 +109,22 @@ static int need_ranges(TRVenv env, TRVlp lp) {
 
 TRV_EXPORT int TRVchgrngval(TRVenv env, TRVlp lp, int cnt, const int *indices,
                             const double *values) {
-    if (!env_valid(env)) return 1002;
-    int st = list_frame(env, lp, cnt, indices, values, values, false);
+    int st = call_enter(&env, &lp, CALL_CHANGE);
+    if (st == 0) st = list_args(env, lp, cnt, indices, values, values, false);
     if (st == 0 && cnt > 0) st = need_ranges(env, lp);
     if (st == 0 && cnt > 0) {
         invalidate(env, lp, 58);
         for (int k = 0; k < cnt; k++) set_range(lp->lpdata, indices[k], values[k]);
     }
-    return change_done(env, st);
+    return call_leave(env, st);
 }
 
 /* ---- senses ---------------------------------------------------------------------- */
 
 TRV_EXPORT int TRVchgsense(TRVenv env, TRVlp lp, int cnt, const int *indices,
                            const char *sense) {
-    if (!env_valid(env)) return 1002;
-    int st = list_frame(env, lp, cnt, indices, sense, sense, false);
+    int st = call_enter(&env, &lp, CALL_CHANGE);
+    if (st == 0) st = list_args(env, lp, cnt, indices, sense, sense, false);
     if (st == 0) st = check_senses(env, cnt, sense);
     if (st == 0 && cnt > 0) {
         lp_data *d = lp->lpdata;
@@ -159,7 +144,7 @@ TRV_EXPORT int TRVchgsense(TRVenv env, TRVlp lp, int cnt, const int *indices,
             st = lp_reform(env, lp);
         }
     }
-    return change_done(env, st);
+    return call_leave(env, st);
 }
 
 /* ---- bounds ----------------------------------------------------------------------- */
@@ -167,7 +152,7 @@ TRV_EXPORT int TRVchgsense(TRVenv env, TRVlp lp, int cnt, const int *indices,
 /* The checks of a bound list. */
 static int bounds_check(TRVenv env, TRVlp lp, int cnt, const int *indices,
                         const char *lu, const double *bd) {
-    int st = list_frame(env, lp, cnt, indices, lu, bd, true);
+    int st = list_args(env, lp, cnt, indices, lu, bd, true);
     for (int k = 0; st == 0 && k < cnt; k++)
         if (lu[k] != 'L' && lu[k] != 'U' && lu[k] != 'B') st = env_error(env, 1229, k);
     return st;
@@ -208,8 +193,8 @@ static int bounds_apply(TRVenv env, lp_data *d, int cnt, const int *indices,
 
 static int bounds_change(TRVenv env, TRVlp lp, int cnt, const int *indices,
                          const char *lu, const double *bd, bool tighten) {
-    if (!env_valid(env)) return 1002;
-    int st = bounds_check(env, lp, cnt, indices, lu, bd);
+    int st = call_enter(&env, &lp, CALL_CHANGE);
+    if (st == 0) st = bounds_check(env, lp, cnt, indices, lu, bd);
     bool *taken = st == 0 && cnt > 0 ? trv_alloc<bool>(cnt) : nullptr;
     if (st == 0 && cnt > 0 && taken == nullptr) st = 1001;
     if (st == 0 && cnt > 0) {
@@ -239,7 +224,7 @@ static int bounds_change(TRVenv env, TRVlp lp, int cnt, const int *indices,
         }
     }
     trv_free(&taken);
-    return change_done(env, st);
+    return call_leave(env, st);
 }
 
 TRV_EXPORT int TRVchgbds(TRVenv env, TRVlp lp, int cnt, const int *indices,
@@ -261,8 +246,7 @@ static bool entry_present(const lp_data *d, int i, int j) {
 }
 
 TRV_EXPORT int TRVchgcoef(TRVenv env, TRVlp lp, int i, int j, double newvalue) {
-    if (!env_valid(env)) return 1002;
-    int st = change_frame(env, lp);
+    int st = call_enter(&env, &lp, CALL_CHANGE);
     lp_data *d = st == 0 ? lp->lpdata : nullptr;
     if (st == 0 && i == -1 && j < 0) st = 1211;
     if (st == 0 && i == -1) {
@@ -295,13 +279,12 @@ TRV_EXPORT int TRVchgcoef(TRVenv env, TRVlp lp, int i, int j, double newvalue) {
             st = lp_setentries(env, lp, 1, &i, &j, &newvalue);
         }
     }
-    return change_done(env, st);
+    return call_leave(env, st);
 }
 
 TRV_EXPORT int TRVchgcoeflist(TRVenv env, TRVlp lp, int numcoefs, const int *rowlist,
                               const int *collist, const double *vallist) {
-    if (!env_valid(env)) return 1002;
-    int st = change_frame(env, lp);
+    int st = call_enter(&env, &lp, CALL_CHANGE);
     if (st == 0 && numcoefs < 0) st = 1003;
     if (st == 0 && numcoefs > 0 && (!rowlist || !collist || !vallist)) st = 1004;
     if (st == 0) st = check_indices(env, numcoefs, rowlist, lp->lpdata->nrows, false);
@@ -310,12 +293,11 @@ TRV_EXPORT int TRVchgcoeflist(TRVenv env, TRVlp lp, int numcoefs, const int *row
         invalidate(env, lp, 34);
         st = lp_setentries(env, lp, numcoefs, rowlist, collist, vallist);
     }
-    return change_done(env, st);
+    return call_leave(env, st);
 }
 
 TRV_EXPORT int TRVchgobjsen(TRVenv env, TRVlp lp, int maxormin) {
-    if (!env_valid(env)) return 1002;
-    int st = change_frame(env, lp);
+    int st = call_enter(&env, &lp, CALL_CHANGE);
     if (st == 0 && maxormin != 1 && maxormin != -1) st = 1003;
     if (st == 0) {
         if (lp->probtype == PROB_QP)
@@ -324,14 +306,13 @@ TRV_EXPORT int TRVchgobjsen(TRVenv env, TRVlp lp, int maxormin) {
         lp->lpdata->objsen = maxormin;
         invalidate(env, lp, 12);
     }
-    return change_done(env, st);
+    return call_leave(env, st);
 }
 
 /* ---- names --------------------------------------------------------------------------- */
 
 TRV_EXPORT int TRVchgprobname(TRVenv env, TRVlp lp, const char *probname) {
-    if (!env_valid(env)) return 1002;
-    int st = change_frame(env, lp);
+    int st = call_enter(&env, &lp, CALL_CHANGE);
     if (st == 0 && probname == nullptr) st = 1004;
     if (st == 0 && std::strlen(probname) + 1.0 >= 2099999999.0) st = 1012;
     if (st == 0) {
@@ -344,15 +325,14 @@ TRV_EXPORT int TRVchgprobname(TRVenv env, TRVlp lp, const char *probname) {
             invalidate(env, lp, 23);
         }
     }
-    return change_done(env, st);
+    return call_leave(env, st);
 }
 
 /* New names for the listed rows or columns; the others keep theirs, or get
  * default names when the model had none. */
 static int rename(TRVenv env, TRVlp lp, int which, int cnt, const int *indices,
                   char **names) {
-    int st = change_frame(env, lp);
-    if (st != 0) return st;
+    int st = 0;
     lp_data *d = lp->lpdata;
     bool cols = which == NAMES_COLS;
     int count = cols ? d->ncols : d->nrows;
@@ -402,38 +382,39 @@ static int rename(TRVenv env, TRVlp lp, int which, int cnt, const int *indices,
 
 TRV_EXPORT int TRVchgcolname(TRVenv env, TRVlp lp, int cnt, const int *indices,
                              char **newname) {
-    if (!env_valid(env)) return 1002;
-    return change_done(env, rename(env, lp, NAMES_COLS, cnt, indices, newname));
+    int st = call_enter(&env, &lp, CALL_CHANGE);
+    if (st == 0) st = rename(env, lp, NAMES_COLS, cnt, indices, newname);
+    return call_leave(env, st);
 }
 
 TRV_EXPORT int TRVchgrowname(TRVenv env, TRVlp lp, int cnt, const int *indices,
                              char **newname) {
-    if (!env_valid(env)) return 1002;
-    return change_done(env, rename(env, lp, NAMES_ROWS, cnt, indices, newname));
+    int st = call_enter(&env, &lp, CALL_CHANGE);
+    if (st == 0) st = rename(env, lp, NAMES_ROWS, cnt, indices, newname);
+    return call_leave(env, st);
 }
 
 TRV_EXPORT int TRVchgname(TRVenv env, TRVlp lp, int key, int ij, const char *name) {
-    if (!env_valid(env)) return 1002;
-    int st = 0;
-    if (key != 'c' && key != 'r') {
-        st = lp_valid(lp) ? 1003 : 1009;
+    int st = call_enter(&env, &lp, CALL_CHANGE);
+    if (st != 0) {
+    } else if (key != 'c' && key != 'r') {
+        st = 1003;
     } else {
         char *nm = const_cast<char *>(name);
         st = rename(env, lp, key == 'c' ? NAMES_COLS : NAMES_ROWS, 1, &ij,
                     name ? &nm : nullptr);
     }
-    return change_done(env, st);
+    return call_leave(env, st);
 }
 
 TRV_EXPORT int TRVdelnames(TRVenv env, TRVlp lp) {
-    if (!env_valid(env)) return 1002;
-    int st = change_frame(env, lp);
+    int st = call_enter(&env, &lp, CALL_CHANGE);
     if (st == 0) {
         names_commit(env, lp, NAMES_COLS, 0, nullptr);
         names_commit(env, lp, NAMES_ROWS, 0, nullptr);
         invalidate(env, lp, 23);
     }
-    return change_done(env, st);
+    return call_leave(env, st);
 }
 
 /* ---- room left ------------------------------------------------------------------------ */
@@ -451,8 +432,7 @@ TRV_EXPORT int TRVgetspace(TRVenv env, TRVlp lp, int *colfree_p, int *rowfree_p,
     if (nzfree_p) *nzfree_p = 0;
     if (colnamefree_p) *colnamefree_p = 0;
     if (rownamefree_p) *rownamefree_p = 0;
-    if (!env_valid(env)) return 1002;
-    int st = lp_resolve(&lp) ? lp_flush(env, lp, 1) : 1009;
+    int st = call_enter(&env, &lp, CALL_VIEW | CALL_MERGE);
     if (st == 0) {
         const lp_data *d = lp->lpdata;
         long nz = 0;
@@ -471,5 +451,5 @@ TRV_EXPORT int TRVgetspace(TRVenv env, TRVlp lp, int *colfree_p, int *rowfree_p,
         if (rownamefree_p && d->rowname)
             *rownamefree_p = static_cast<int>(d->rownamespace - names_used(d->rowname, d->nrows));
     }
-    return change_done(env, st);
+    return call_leave(env, st);
 }

@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <cstring>
 #include <string>
+#include <vector>
 
 #include "support/model.h"
 
@@ -353,4 +354,99 @@ TEST(Env, StaleHandlesAreRefused) {
     EXPECT_EQ(TRVgetnumrows(t.env, left), 0);
     EXPECT_EQ(TRVversion(old), nullptr);
     EXPECT_EQ(TRVsetintparam(old, 1020, 1), 1002);
+}
+
+TEST(Env, StaleHandlesStayRefusedWhenTheirMemoryIsReused) {
+    TestEnv t;
+    /* a freed problem followed by new ones: however the records are
+     * recycled, the old handle names none of them */
+    TRVlp lp = small_model().copy_into(t.env);
+    TRVlp stale = lp;
+    ASSERT_EQ(TRVfreeprob(t.env, &lp), 0);
+    std::vector<TRVlp> fresh;
+    for (int k = 0; k < 50; k++) {
+        int st = 0;
+        fresh.push_back(TRVcreateprob(t.env, &st, "fresh"));
+        ASSERT_EQ(st, 0);
+        ASSERT_NE(fresh.back(), stale);
+    }
+    t.clear();
+    EXPECT_EQ(TRVgetnumrows(t.env, stale), 0);
+    EXPECT_EQ(TRVchgobjsen(t.env, stale, -1), 1009);
+    EXPECT_EQ(TRVfreeprob(t.env, &stale), 1009);
+    EXPECT_NE(t.err.find("TORVA Error  1009: No problem exists.\n"), std::string::npos);
+    /* the freeing of a stale handle touched none of the new problems */
+    for (TRVlp p : fresh) EXPECT_EQ(TRVgetobjsen(t.env, p), 1);
+    for (TRVlp &p : fresh) ASSERT_EQ(TRVfreeprob(t.env, &p), 0);
+
+    /* a closed environment followed by a new one */
+    int st = 0;
+    TRVenv a = TRVopenTORVA(&st);
+    TRVenv old = a;
+    ASSERT_EQ(TRVcloseTORVA(&a), 0);
+    TRVenv b = TRVopenTORVA(&st);
+    ASSERT_NE(b, old);
+    EXPECT_EQ(TRVsetintparam(old, 1020, 7), 1002);
+    int v = 0;
+    ASSERT_EQ(TRVgetintparam(b, 1020, &v), 0);
+    EXPECT_NE(v, 7);
+    EXPECT_EQ(TRVcloseTORVA(&old), 1002);
+    EXPECT_EQ(TRVcloseTORVA(&b), 0);
+}
+
+TEST(Env, AProblemBelongsToTheEnvironmentThatMadeIt) {
+    TestEnv a, b;
+    TRVlp lp = small_model().copy_into(a.env);
+    ASSERT_NE(lp, nullptr);
+    /* freeing, changing or solving it under another environment is refused
+     * and leaves it on its own environment's list */
+    TRVlp alias = lp;
+    EXPECT_EQ(TRVfreeprob(b.env, &alias), 1009);
+    EXPECT_EQ(alias, lp);
+    EXPECT_EQ(TRVgetnumcols(b.env, lp), 0);
+    EXPECT_EQ(TRVchgobjsen(b.env, lp, -1), 1009);
+    EXPECT_EQ(TRVdualopt(b.env, lp), 1009);
+    EXPECT_NE(b.err.find("TORVA Error  1009: No problem exists.\n"), std::string::npos);
+    EXPECT_EQ(a.err, "");
+    EXPECT_EQ(TRVgetnumcols(a.env, lp), 3);
+    EXPECT_EQ(TRVgetobjsen(a.env, lp), 1);
+    /* a clone environment may copy its parent's problem, not free it */
+    int st = 0;
+    TRVenv child = TRVparenv(a.env, &st);
+    ASSERT_EQ(st, 0);
+    TRVlp copy = TRVcloneprob(child, lp, &st);
+    ASSERT_EQ(st, 0);
+    EXPECT_EQ(TRVgetnumcols(child, copy), 3);
+    alias = lp;
+    EXPECT_EQ(TRVfreeprob(child, &alias), 1009);
+    EXPECT_EQ(TRVgetnumcols(a.env, copy), 0); /* the copy is the clone's */
+    EXPECT_EQ(TRVfreeparenv(a.env, &child), 0); /* frees the copy with it */
+    EXPECT_EQ(TRVgetnumcols(a.env, lp), 3);
+    ASSERT_EQ(TRVfreeprob(a.env, &lp), 0);
+}
+
+TEST(Env, GarbageHandlesAreRefusedWithoutBeingRead) {
+    TestEnv t;
+    alignas(16) static unsigned char junk[4096];
+    for (unsigned char &c : junk) c = 0xA5;
+    TRVenv genv = reinterpret_cast<TRVenv>(junk);
+    TRVlp glp = reinterpret_cast<TRVlp>(junk);
+    EXPECT_EQ(TRVsetintparam(genv, 1020, 1), 1002);
+    EXPECT_EQ(TRVversion(genv), nullptr);
+    EXPECT_EQ(TRVgetnumcols(t.env, glp), 0);
+    EXPECT_EQ(TRVdualopt(t.env, glp), 1009);
+    /* a problem handle passed as an environment, and the reverse */
+    TRVlp lp = small_model().copy_into(t.env);
+    EXPECT_EQ(TRVgetnumcols(reinterpret_cast<TRVenv>(lp), lp), 0);
+    EXPECT_EQ(TRVgetnumcols(t.env, reinterpret_cast<TRVlp>(t.env)), 0);
+    /* channels: another environment's or a deleted one is not touched */
+    TestEnv u;
+    TRVchannel mine = TRVaddchannel(t.env), theirs = TRVaddchannel(u.env);
+    EXPECT_EQ(TRVaddfpdest(t.env, theirs, stderr), 1051);
+    TRVchannel gone = mine;
+    TRVdelchannel(t.env, &mine);
+    EXPECT_EQ(mine, nullptr);
+    EXPECT_EQ(TRVaddfpdest(t.env, gone, stderr), 1051);
+    TRVdelchannel(t.env, &gone); /* nothing happens */
+    TRVfreeprob(t.env, &lp);
 }

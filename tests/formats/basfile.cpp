@@ -29,7 +29,7 @@ struct BasRead {
         cstat.assign(cn.size(), -7);
         rstat.assign(rn.size(), -7);
         te.clear();
-        return bas_read(te.env, write_file("t.bas", text).c_str(), nullptr, &t, cstat.data(),
+        return bas_read(env_of(te.env), write_file("t.bas", text).c_str(), nullptr, &t, cstat.data(),
                         rstat.data());
     }
     bool untouched() const {
@@ -355,7 +355,7 @@ TEST(BasRecover, NameFromTheProblemName) {
         int st = 0;
         TRVlp lp = TRVcreateprob(te.env, &st, nm[0]);
         ASSERT_NE(lp, nullptr);
-        char *r = bas_recovername(lp);
+        char *r = bas_recovername(lp_of(lp));
         EXPECT_STREQ(r, nm[1]);
         trv_free(&r);
         TRVfreeprob(te.env, &lp);

@@ -61,7 +61,7 @@ void check_folder(const std::string &folder, bool integers) {
         std::string name = file.substr(0, file.find(".mps"));
         Read r;
         r.m = read_model{};
-        int status = mps_read(r.te.env, e.path().c_str(), RM_INTS | RM_QUAD, &r.m);
+        int status = mps_read(env_of(r.te.env), e.path().c_str(), RM_INTS | RM_QUAD, &r.m);
         files++;
         EXPECT_EQ(status, 0) << file << ": " << r.te.err;
         if (status != 0) continue;
@@ -119,8 +119,8 @@ TEST(Conformance, LpFilesMatchTheirMpsTwins) {
         if (!std::filesystem::exists(twin)) continue;
         files++;
         Read lp, mps;
-        int s1 = lp_read(lp.te.env, e.path().c_str(), RM_INTS | RM_QUAD, &lp.m);
-        int s2 = mps_read(mps.te.env, twin.c_str(), RM_INTS | RM_QUAD, &mps.m);
+        int s1 = lp_read(env_of(lp.te.env), e.path().c_str(), RM_INTS | RM_QUAD, &lp.m);
+        int s2 = mps_read(env_of(mps.te.env), twin.c_str(), RM_INTS | RM_QUAD, &mps.m);
         ASSERT_EQ(s1, 0) << file << ": " << lp.te.err;
         ASSERT_EQ(s2, 0) << twin;
         int extra = 0;

@@ -20,8 +20,8 @@ void read_corpus(const char *sub, bool lp) {
         for (long fail = 0; fail <= 40; fail++) {
             Read r;
             trv_alloc_failat(fail);
-            int status = lp ? lp_read(r.te.env, path.c_str(), RM_INTS | RM_QUAD, &r.m)
-                            : mps_read(r.te.env, path.c_str(), RM_INTS | RM_QUAD, &r.m);
+            int status = lp ? lp_read(env_of(r.te.env), path.c_str(), RM_INTS | RM_QUAD, &r.m)
+                            : mps_read(env_of(r.te.env), path.c_str(), RM_INTS | RM_QUAD, &r.m);
             trv_alloc_failat(0);
             EXPECT_LE(status, 0) << path;
             if (status < 0) {

@@ -10,6 +10,7 @@
 #include <string>
 
 #include "formats/rwutil.h"
+#include "support/internal.h"
 #include "support/model.h"
 
 /* A scratch folder for the test binary, removed at exit. */
@@ -55,14 +56,14 @@ struct Read {
             const std::string &name = "t.mps") {
         rm_free(&m);
         te.clear();
-        status = mps_read(te.env, write_file(name, text).c_str(), want, &m);
+        status = mps_read(env_of(te.env), write_file(name, text).c_str(), want, &m);
         return status;
     }
     int lp(const std::string &text, int want = RM_INTS | RM_QUAD,
            const std::string &name = "t.lp") {
         rm_free(&m);
         te.clear();
-        status = lp_read(te.env, write_file(name, text).c_str(), want, &m);
+        status = lp_read(env_of(te.env), write_file(name, text).c_str(), want, &m);
         return status;
     }
     int col(const char *name) const {

@@ -242,7 +242,7 @@ static int read_stdin(Read &r, const std::string &text) {
     int saved = dup(0);
     FILE *f = freopen(path.c_str(), "r", stdin);
     EXPECT_NE(f, nullptr);
-    int status = lp_read(r.te.env, nullptr, RM_INTS, &r.m);
+    int status = lp_read(env_of(r.te.env), nullptr, RM_INTS, &r.m);
     fflush(stdin);
     dup2(saved, 0);
     close(saved);

@@ -375,10 +375,10 @@ TEST(MpsRead, MissingFileAndTheDefaultSuffix) {
     Read r;
     write_file("onlysuffix.mps", "NAME\nROWS\n N o\nCOLUMNS\n    x o 1\nENDATA\n");
     std::string stem = scratch_dir() + "/onlysuffix";
-    EXPECT_EQ(mps_read(r.te.env, stem.c_str(), 0, &r.m), 0);
+    EXPECT_EQ(mps_read(env_of(r.te.env), stem.c_str(), 0, &r.m), 0);
     EXPECT_EQ(r.m.ncols, 1);
     rm_free(&r.m);
     std::string none = scratch_dir() + "/nosuchfile";
-    EXPECT_EQ(mps_read(r.te.env, none.c_str(), 0, &r.m), -1423);
+    EXPECT_EQ(mps_read(env_of(r.te.env), none.c_str(), 0, &r.m), -1423);
     EXPECT_TRUE(r.said("Could not open file '" + none + "' for reading"));
 }

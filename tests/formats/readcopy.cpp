@@ -64,30 +64,30 @@ TEST(FileLayer, OpenTriesTheDefaultSuffixAndNamesTheGivenName) {
     int status = 0;
     write_file("afiro.mps", SMALL_MPS);
     std::string stem = scratch_dir() + "/afiro";
-    FILE *f = trv_fopen(te.env, stem.c_str(), "r", ".mps", 0, 1, &status);
+    FILE *f = trv_fopen(env_of(te.env), stem.c_str(), "r", ".mps", 0, 1, &status);
     ASSERT_NE(f, nullptr);
     trv_fclose(stem.c_str(), &f);
     EXPECT_EQ(f, nullptr);
     std::string none = scratch_dir() + "/absent";
-    EXPECT_EQ(trv_fopen(te.env, none.c_str(), "r", ".mps", 0, 1, &status), nullptr);
+    EXPECT_EQ(trv_fopen(env_of(te.env), none.c_str(), "r", ".mps", 0, 1, &status), nullptr);
     EXPECT_EQ(status, -1423);
     EXPECT_EQ(te.err, "TORVA Error  1423: Could not open file '" + none + "' for reading.\n");
-    EXPECT_EQ(trv_fopen(te.env, "", "r", ".mps", 0, 1, &status), nullptr);
+    EXPECT_EQ(trv_fopen(env_of(te.env), "", "r", ".mps", 0, 1, &status), nullptr);
     EXPECT_EQ(status, -1421);
     te.clear();
-    EXPECT_EQ(trv_fopen(te.env, none.c_str(), "r", ".mps", 0, 1, nullptr), nullptr);
+    EXPECT_EQ(trv_fopen(env_of(te.env), none.c_str(), "r", ".mps", 0, 1, nullptr), nullptr);
     EXPECT_EQ(te.err, ""); /* no status pointer: no message */
 }
 
 TEST(FileLayer, TempFileIsCreatedInTheDirectory) {
     TestEnv te;
     char *name = nullptr;
-    ASSERT_EQ(trv_tempfile(te.env, scratch_dir().c_str(), "node", &name), 0);
+    ASSERT_EQ(trv_tempfile(env_of(te.env), scratch_dir().c_str(), "node", &name), 0);
     ASSERT_NE(name, nullptr);
     EXPECT_EQ(std::string(name).rfind(scratch_dir() + "/node", 0), 0u);
     EXPECT_EQ(std::remove(name), 0);
     trv_free(&name);
-    EXPECT_EQ(trv_tempfile(te.env, "/nonexistent/dir", "x", &name), -1422);
+    EXPECT_EQ(trv_tempfile(env_of(te.env), "/nonexistent/dir", "x", &name), -1422);
     EXPECT_EQ(name, nullptr);
 }
 
@@ -96,7 +96,7 @@ TEST(ReadCopy, PicksTheFormatByTypeWordOrSuffix) {
     ASSERT_EQ(p.read(write_file("s.mps", SMALL_MPS)), 0) << p.te.err;
     EXPECT_EQ(TRVgetnumcols(p.te.env, p.lp), 2);
     EXPECT_EQ(TRVgetnumrows(p.te.env, p.lp), 1);
-    EXPECT_STREQ(p.lp->lpdata->objname, "obj");
+    EXPECT_STREQ(lp_of(p.lp)->lpdata->objname, "obj");
     ASSERT_EQ(p.read(write_file("s.txt", SMALL_LP), "lp"), 0) << p.te.err;
     EXPECT_EQ(TRVgetnumnz(p.te.env, p.lp), 2);
     ASSERT_EQ(p.read(write_file("S.LP", SMALL_LP)), 0);
@@ -154,7 +154,7 @@ TEST(ReadCopy, IntegerModelsLoadAsLinearWithAWarning) {
               0);
     EXPECT_NE(p.te.warn.find("Problem contains integer declarations, ignored.\n"), std::string::npos);
     EXPECT_EQ(TRVgetprobtype(p.te.env, p.lp), 0);
-    EXPECT_EQ(p.lp->lpdata->ub[0], 1.0); /* the marker's binary bounds stay */
+    EXPECT_EQ(lp_of(p.lp)->lpdata->ub[0], 1.0); /* the marker's binary bounds stay */
 }
 
 TEST(ReadCopy, AllocationFailuresAreCleanAtEveryStep) {

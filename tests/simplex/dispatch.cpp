@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "simplex/dual.h"
+#include "support/internal.h"
 #include "support/model.h"
 
 TEST(Dispatch, MixedIntegerAndQuadraticProblemsAreRefused) {
@@ -21,7 +22,7 @@ TEST(Dispatch, MixedIntegerAndQuadraticProblemsAreRefused) {
         {PROB_QP, 1018, "TORVA Error  1018: Not available for quadratic programs.\n"},
     };
     for (const auto &c : cases) {
-        lp->probtype = c.type;
+        lp_of(lp)->probtype = c.type;
         for (int which = 0; which < 3; which++) {
             t.clear();
             int st = which == 0 ? TRVlpopt(t.env, lp) : which == 1 ? TRVprimopt(t.env, lp)
@@ -33,7 +34,7 @@ TEST(Dispatch, MixedIntegerAndQuadraticProblemsAreRefused) {
         }
     }
     /* as an LP again it solves */
-    lp->probtype = PROB_LP;
+    lp_of(lp)->probtype = PROB_LP;
     EXPECT_EQ(TRVlpopt(t.env, lp), 0);
     EXPECT_NE(TRVgetstat(t.env, lp), 0);
     TRVfreeprob(t.env, &lp);

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "simplex/dual.h"
+#include "support/internal.h"
 #include "support/model.h"
 
 namespace {
@@ -22,9 +23,9 @@ struct Kit {
         Model md;
         md.row('L', 1.0);
         for (int j = 0; j < 6; j++) md.col(0.0, 0.0, 1e20, {{0, 1.0}});
-        lp = md.copy_into(te.env);
-        EXPECT_EQ(simplex_build(te.env, lp), 0);
-        EXPECT_EQ(dual_state_alloc(te.env, lp), 0);
+        lp = lp_of(md.copy_into(te.env));
+        EXPECT_EQ(simplex_build(env_of(te.env), lp), 0);
+        EXPECT_EQ(dual_state_alloc(env_of(te.env), lp), 0);
         ds = lp->dual;
         it = &lp->solver->it;
         ds->harris_delta = 1e-7;
@@ -34,7 +35,8 @@ struct Kit {
     ~Kit() {
         dual_free(lp);
         simplex_free(lp);
-        TRVfreeprob(te.env, &lp);
+        TRVlp h = lp->handle;
+        TRVfreeprob(te.env, &h);
     }
     /* variable j: status, reduced cost, working bounds (1e20: none) */
     void set(int j, int status, double d, double lo, double up) {

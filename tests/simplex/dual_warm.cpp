@@ -10,10 +10,11 @@
 #include <vector>
 
 #include "simplex/dual.h"
+#include "store/scale.h"
 #include "support/kkt.h"
+#include "support/internal.h"
 #include "support/model.h"
 
-int lp_unscale(TRVenv env, TRVlp lp);
 
 namespace {
 
@@ -38,7 +39,9 @@ int solve(TRVenv env, TRVlp lp, Solution &s) {
 
 /* The bound change of the change functions: in the model's own units, then
  * the notification that keeps the basis. */
-void set_upper(TRVenv env, TRVlp lp, Model &md, int j, double u) {
+void set_upper(TRVenv env, TRVlp handle, Model &md, int j, double u) {
+    env = env_of(env);
+    TRVlp lp = lp_of(handle);
     lp_unscale(env, lp);
     lp->lpdata->ub[j] = u;
     lp_kinds(lp->lpdata);
@@ -57,8 +60,8 @@ TEST(DualWarm, TightenedBoundResolvesInAFewIterations) {
     ASSERT_EQ(solve(te.env, lp, s), 0);
     ASSERT_EQ(s.stat, 1);
     int cold = TRVgetitcnt(te.env, lp);
-    ASSERT_NE(lp->start, nullptr);
-    EXPECT_EQ(lp->start->has_norms, 1);
+    ASSERT_NE(lp_of(lp)->start, nullptr);
+    EXPECT_EQ(lp_of(lp)->start->has_norms, 1);
     /* cut the flow on the largest shipment to half its value */
     int big = 0;
     for (int j = 1; j < md.ncols(); j++)
@@ -108,9 +111,9 @@ TEST(DualWarm, StoredNormsFillMissingPositions) {
     TRVlp lp = md.copy_into(te.env);
     Solution s;
     ASSERT_EQ(solve(te.env, lp, s), 0);
-    ASSERT_NE(lp->start, nullptr);
+    ASSERT_NE(lp_of(lp)->start, nullptr);
     /* lose the norm of every basic slack: the start computes them anew */
-    for (int i = 0; i < lp->start->nrows; i++) lp->start->rnorm[i] = 0.0;
+    for (int i = 0; i < lp_of(lp)->start->nrows; i++) lp_of(lp)->start->rnorm[i] = 0.0;
     te.clear();
     ASSERT_EQ(solve(te.env, lp, s), 0);
     EXPECT_NE(te.res.find("Reinitializing dual norms . . .\n"), std::string::npos) << te.res;
@@ -152,8 +155,8 @@ TEST(DualWarm, AddedRowsAndColumnStartFromTheKeptBasis) {
     big.col(50.0, 0.0, 1e20, {{0, 1.0}, {r1, -1.0}});
     TRVlp lp2 = big.copy_into(te.env);
     ASSERT_NE(lp2, nullptr);
-    lp2->start = lp->start;
-    lp->start = nullptr;
+    lp_of(lp2)->start = lp_of(lp)->start;
+    lp_of(lp)->start = nullptr;
     Solution w;
     ASSERT_EQ(solve(te.env, lp2, w), 0);
     ASSERT_EQ(w.stat, 1);

@@ -8,6 +8,7 @@
 
 #include "frame/callback.h"
 #include "simplex/lu.h"
+#include "support/internal.h"
 #include "support/model.h"
 
 namespace {
@@ -30,19 +31,21 @@ Model ladder_model() {
 
 struct Prob {
     TestEnv t;
-    TRVlp lp = nullptr;
+    TRVlp h = nullptr;  /* the handle */
+    TRVlp lp = nullptr; /* its record */
     explicit Prob(const Model &m) {
         int st = 0;
-        lp = m.copy_into(t.env, &st);
+        h = m.copy_into(t.env, &st);
+        lp = lp_of(h);
         EXPECT_EQ(st, 0);
-        EXPECT_EQ(simplex_build(t.env, lp), 0);
-        EXPECT_EQ(lu_alloc(t.env, lp), 0);
+        EXPECT_EQ(simplex_build(env_of(t.env), lp), 0);
+        EXPECT_EQ(lu_alloc(env_of(t.env), lp), 0);
     }
     simplex_iter &it() { return lp->solver->it; }
     simplex_lp &s() { return lp->solver->splp; }
     int refactor(int repair = 1, int keep = 0) {
         double u = it().markowitz;
-        int st = lu_refactor(t.env, lp, &u, it().pivot_tol, repair, keep);
+        int st = lu_refactor(env_of(t.env), lp, &u, it().pivot_tol, repair, keep);
         it().markowitz = u;
         return st;
     }
@@ -104,7 +107,7 @@ TEST(SimplexLP, RangeColumnAndMaximise) {
     EXPECT_EQ(P.s().nstruct, 2);
     EXPECT_EQ(P.s().val[P.s().col_beg[1]], -1.0);
     EXPECT_EQ(P.s().lower[1], -3.0);
-    EXPECT_EQ(std::string(simplex_varname(P.t.env, P.lp, 1)), "rr");
+    EXPECT_EQ(std::string(simplex_varname(env_of(P.t.env), P.lp, 1)), "rr");
 }
 
 TEST(Ladder, DuplicateColumnRepairedWithSlack) {
@@ -211,7 +214,7 @@ TEST(Ladder, OutOfMemoryCompressesAndRecovers) {
     auto &it = P.it();
     it.head[0] = 0, it.head[1] = 1, it.head[2] = 3, it.head[3] = P.s().slack_of_row[0];
     lu_free(P.lp);
-    ASSERT_EQ(lu_alloc(P.t.env, P.lp), 0);
+    ASSERT_EQ(lu_alloc(env_of(P.t.env), P.lp), 0);
     P.t.clear();
     trv_alloc_failat(1); /* the first array of the factorization */
     int st = P.refactor();
@@ -223,7 +226,7 @@ TEST(Ladder, OutOfMemoryCompressesAndRecovers) {
     EXPECT_LT(P.residual(), 1e-12);
     /* a second failure after the compress branch is final */
     lu_free(P.lp);
-    ASSERT_EQ(lu_alloc(P.t.env, P.lp), 0);
+    ASSERT_EQ(lu_alloc(env_of(P.t.env), P.lp), 0);
     trv_alloc_failat(1);
     st = P.refactor();
     trv_alloc_failat(0);
@@ -236,7 +239,7 @@ TEST(Ladder, CrashFactorReportsPivots) {
     Prob P(ladder_model());
     int cols[6] = {0, 1, 2, 3, 4, 5};
     std::vector<int> rowmap(4), colmap(6);
-    EXPECT_EQ(lu_crash_factor(P.t.env, P.lp, 6, cols, rowmap.data(), colmap.data(), nullptr,
+    EXPECT_EQ(lu_crash_factor(env_of(P.t.env), P.lp, 6, cols, rowmap.data(), colmap.data(), nullptr,
                               0.01, 1e-11),
               2002);
     int piv = 0;
@@ -290,7 +293,7 @@ void run_updates(Prob &P, int count, std::mt19937 &rng) {
         EXPECT_EQ(lu_update_check(P.lp, it.alpha, 1, &chk), 0);
         it.status[it.head[p]] = 0;
         it.status[q] = 1;
-        int st = lu_update(P.t.env, P.lp);
+        int st = lu_update(env_of(P.t.env), P.lp);
         ASSERT_TRUE(st == 0 || st == 2002) << st;
         sv_clear(&col);
         ASSERT_LT(P.residual(), 1e-9);
@@ -303,7 +306,7 @@ TEST(Update, EveryUpdateRefactorsWithLimitOne) {
     Model md = random_model(60, 200, 3);
     Prob P(md);
     TRVsetintparam(P.t.env, 1031, 1);
-    ASSERT_EQ(lu_alloc(P.t.env, P.lp), 0);
+    ASSERT_EQ(lu_alloc(env_of(P.t.env), P.lp), 0);
     EXPECT_EQ(P.lp->factor->update_limit, 0);
     ASSERT_EQ(P.refactor(), 0);
     std::mt19937 rng(8);
@@ -344,29 +347,29 @@ TEST(CallbackInfo, ChecksAndDispatch) {
     Prob P(ladder_model());
     TRVenv env = P.t.env;
     int iv = 0;
-    EXPECT_EQ(TRVgetcallbackinfo(env, P.lp, 50, 7, &iv), 1003);
-    EXPECT_EQ(TRVgetcallbackinfo(env, P.lp, 0, 7, &iv), 1003);
-    EXPECT_EQ(TRVgetcallbackinfo(env, P.lp, 112, 7, &iv), 1003);
-    EXPECT_EQ(TRVgetcallbackinfo(nullptr, P.lp, 1, 7, &iv), 1002);
+    EXPECT_EQ(TRVgetcallbackinfo(env, P.h, 50, 7, &iv), 1003);
+    EXPECT_EQ(TRVgetcallbackinfo(env, P.h, 0, 7, &iv), 1003);
+    EXPECT_EQ(TRVgetcallbackinfo(env, P.h, 112, 7, &iv), 1003);
+    EXPECT_EQ(TRVgetcallbackinfo(nullptr, P.h, 1, 7, &iv), 1002);
     EXPECT_EQ(TRVgetcallbackinfo(env, nullptr, 1, 7, &iv), 1006);
-    for (int w : {2, 6, 8, 16}) EXPECT_EQ(TRVgetcallbackinfo(env, P.lp, 1, w, &iv), 1003) << w;
-    for (int w : {1, 5, 8, 16}) EXPECT_EQ(TRVgetcallbackinfo(env, P.lp, 2, w, &iv), 1003) << w;
+    for (int w : {2, 6, 8, 16}) EXPECT_EQ(TRVgetcallbackinfo(env, P.h, 1, w, &iv), 1003) << w;
+    for (int w : {1, 5, 8, 16}) EXPECT_EQ(TRVgetcallbackinfo(env, P.h, 2, w, &iv), 1003) << w;
     /* known numbers outside a running optimiser: no solver state */
-    EXPECT_EQ(TRVgetcallbackinfo(env, P.lp, 1, 7, &iv), 1006);
-    EXPECT_EQ(TRVgetcallbackinfo(env, P.lp, 2, 17, &iv), 1006);
-    EXPECT_EQ(TRVgetcallbackinfo(env, P.lp, 7, 12, &iv), 1003);
-    EXPECT_EQ(TRVgetcallbackinfo(env, P.lp, 7, 13, &iv), 1006);
-    EXPECT_EQ(TRVgetcallbackinfo(env, P.lp, 3, 2, &iv), 1003);
+    EXPECT_EQ(TRVgetcallbackinfo(env, P.h, 1, 7, &iv), 1006);
+    EXPECT_EQ(TRVgetcallbackinfo(env, P.h, 2, 17, &iv), 1006);
+    EXPECT_EQ(TRVgetcallbackinfo(env, P.h, 7, 12, &iv), 1003);
+    EXPECT_EQ(TRVgetcallbackinfo(env, P.h, 7, 13, &iv), 1006);
+    EXPECT_EQ(TRVgetcallbackinfo(env, P.h, 3, 2, &iv), 1003);
     EXPECT_NE(P.t.err.find("Error during callback"), std::string::npos);
     /* with a primal state in place the iteration count and rows answer */
     P.it().n_it = 42;
     P.lp->primal = reinterpret_cast<primal_state *>(P.lp); /* a stand-in */
-    EXPECT_EQ(TRVgetcallbackinfo(env, P.lp, 1, 7, &iv), 0);
+    EXPECT_EQ(TRVgetcallbackinfo(env, P.h, 1, 7, &iv), 0);
     EXPECT_EQ(iv, 42);
-    EXPECT_EQ(TRVgetcallbackinfo(env, P.lp, 1, 17, &iv), 0);
+    EXPECT_EQ(TRVgetcallbackinfo(env, P.h, 1, 17, &iv), 0);
     EXPECT_EQ(iv, 4);
     double dv;
-    EXPECT_EQ(TRVgetcallbackinfo(env, P.lp, 1, 1, &dv), 1006); /* no answer function */
+    EXPECT_EQ(TRVgetcallbackinfo(env, P.h, 1, 1, &dv), 1006); /* no answer function */
     P.lp->primal = nullptr;
 }
 
@@ -388,15 +391,15 @@ int progress(TRVenv, void *cbdata, int wherefrom, void *handle) {
 TEST(CallbackInfo, CallPointAborts) {
     TestEnv t;
     CbSeen seen;
-    EXPECT_EQ(cb_call(t.env, PAR_LP, &seen, 1), 0); /* no function set */
+    EXPECT_EQ(cb_call(env_of(t.env), PAR_LP, &seen, 1), 0); /* no function set */
     ASSERT_EQ(TRVsetlpcallbackfunc(t.env, progress, &seen), 0);
-    EXPECT_EQ(cb_call(t.env, PAR_LP, &t, 2), 0);
+    EXPECT_EQ(cb_call(env_of(t.env), PAR_LP, &t, 2), 0);
     EXPECT_EQ(seen.calls, 1);
     EXPECT_EQ(seen.where, 2);
     EXPECT_EQ(seen.data, &t);
     seen.answer = 7;
-    EXPECT_NE(cb_call(t.env, PAR_LP, &t, 1), 0);
-    EXPECT_EQ(cb_call(t.env, PAR_MIP, &t, 101), 0);
+    EXPECT_NE(cb_call(env_of(t.env), PAR_LP, &t, 1), 0);
+    EXPECT_EQ(cb_call(env_of(t.env), PAR_MIP, &t, 101), 0);
 }
 
 } // namespace

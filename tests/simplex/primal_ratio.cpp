@@ -6,6 +6,7 @@
 
 #include <cmath>
 
+#include "support/internal.h"
 #include "support/model.h"
 #include "simplex/primal.h"
 
@@ -18,26 +19,29 @@ struct Prepared {
     TRVlp lp = nullptr;
     explicit Prepared(const Model &md, int family = 4) {
         TRVsetintparam(te.env, 1019, 0);
-        lp = md.copy_into(te.env);
+        lp = lp_of(md.copy_into(te.env));
         if (lp == nullptr) return;
-        EXPECT_EQ(simplex_build(te.env, lp), 0);
-        EXPECT_EQ(primal_state_alloc(te.env, lp), 0);
+        TRVenv env = env_of(te.env);
+        EXPECT_EQ(simplex_build(env, lp), 0);
+        EXPECT_EQ(primal_state_alloc(env, lp), 0);
         primal_state *ps = lp->primal;
         ps->feas_tol = 1e-6;
         ps->opt_tol = 1e-6;
         ps->harris_delta = 1e-6;
         ps->p1_tol = 1e-7;
         ps->shift_on = 1;
-        EXPECT_EQ(lu_alloc(te.env, lp), 0);
-        EXPECT_EQ(start_basis(te.env, lp), 0);
-        EXPECT_EQ(primal_price_init(te.env, lp, family), 0);
-        EXPECT_EQ(primal_refactor(te.env, lp), 0);
+        EXPECT_EQ(lu_alloc(env, lp), 0);
+        EXPECT_EQ(start_basis(env, lp), 0);
+        EXPECT_EQ(primal_price_init(env, lp, family), 0);
+        EXPECT_EQ(primal_refactor(env, lp), 0);
         primal_set_phase(lp);
         primal_compute_y(lp);
         primal_compute_d(lp);
     }
     ~Prepared() {
-        if (lp != nullptr) TRVfreeprob(te.env, &lp);
+        if (lp == nullptr) return;
+        TRVlp h = lp->handle;
+        TRVfreeprob(te.env, &h);
     }
     primal_state *ps() { return lp->primal; }
     simplex_iter *it() { return &lp->solver->it; }

@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "store/change.h"
+#include "support/internal.h"
 #include "support/model.h"
 
 namespace {
@@ -52,7 +53,7 @@ Ref ref_of(const Model &m) {
 
 /* The computational form behind the interface is whole. */
 void check_form(TRVlp lp) {
-    const lp_data *d = lp->lpdata;
+    const lp_data *d = lp_of(lp)->lpdata;
     int nranged = 0, nslack = 0;
     for (int i = 0; i < d->nrows; i++) {
         nranged += d->sense[i] == 'R';

@@ -7,6 +7,7 @@
 
 #include "simplex/splp.h"
 #include "store/change.h"
+#include "support/internal.h"
 #include "support/model.h"
 
 TEST(Cache, CountsPendingAdditionsWithoutMerging) {
@@ -16,10 +17,10 @@ TEST(Cache, CountsPendingAdditionsWithoutMerging) {
     ASSERT_NE(lp, nullptr);
     ASSERT_EQ(TRVnewcols(t.env, lp, 5, nullptr, nullptr, nullptr, nullptr, nullptr), 0);
     EXPECT_EQ(TRVgetnumcols(t.env, lp), 5);
-    EXPECT_EQ(lp->lpdata->ncols, 0); /* still pending */
+    EXPECT_EQ(lp_of(lp)->lpdata->ncols, 0); /* still pending */
     double o[5];
     ASSERT_EQ(TRVgetobj(t.env, lp, o, 0, 4), 0);
-    EXPECT_EQ(lp->lpdata->ncols, 5);
+    EXPECT_EQ(lp_of(lp)->lpdata->ncols, 5);
     cache_rec *c = static_cast<cache_rec *>(TRVEgetCache(lp));
     ASSERT_NE(c, nullptr);
     EXPECT_EQ(c->empty, 1);
@@ -37,8 +38,8 @@ TEST(Cache, RowsOneAtATimeMergeGeometrically) {
     for (int k = 1; k <= 60; k++) {
         double r = k;
         ASSERT_EQ(TRVnewrows(t.env, lp, 1, &r, nullptr, nullptr, nullptr), 0);
-        if (lp->lpdata->nrows != last) {
-            last = lp->lpdata->nrows;
+        if (lp_of(lp)->lpdata->nrows != last) {
+            last = lp_of(lp)->lpdata->nrows;
             merged_at.push_back(last);
         }
     }
@@ -105,7 +106,7 @@ TEST(ChangeMemory, FailuresOfEveryAllocationLeaveAWholeModel) {
             if (nr > 0) {
                 EXPECT_EQ(TRVgetrhs(t.env, lp, v.data(), 0, nr - 1), 0);
             }
-            const lp_data *d = lp->lpdata;
+            const lp_data *d = lp_of(lp)->lpdata;
             int nranged = 0;
             for (int i = 0; i < d->nrows; i++) nranged += d->sense[i] == 'R';
             EXPECT_EQ(d->nstruct, d->ncols + nranged) << which << " " << n;
@@ -123,7 +124,7 @@ TEST(ChangeScaled, ValuesGoInThroughTheScalingInForce) {
     TestEnv t;
     TRVlp lp = small_model().copy_into(t.env);
     ASSERT_NE(lp, nullptr);
-    lp_data *d = lp->lpdata;
+    lp_data *d = lp_of(lp)->lpdata;
     /* a scaling as the simplex leaves it: entries a / (R C), objective / C,
      * bounds * C, rhs and ranges / R; the range column's factor is 1 / R */
     d->rowscalestore = trv_alloc<double>(d->rowspace);
@@ -196,7 +197,7 @@ struct Solved {
     TRVlp lp = nullptr;
     Solved() {
         lp = small_model().copy_into(t.env);
-        if (lp != nullptr && simplex_build(t.env, lp) == 0) lp->stat = 1;
+        if (lp != nullptr && simplex_build(env_of(t.env), lp_of(lp)) == 0) lp_of(lp)->stat = 1;
     }
     ~Solved() { TRVfreeprob(t.env, &lp); }
 };
@@ -204,21 +205,21 @@ struct Solved {
 TEST(Invalidate, BoundsAndObjectiveKeepTheBasisMatrixChangesDropIt) {
     {
         Solved s;
-        ASSERT_NE(s.lp->solver, nullptr);
+        ASSERT_NE(lp_of(s.lp)->solver, nullptr);
         int j = 0;
         char lu = 'U';
         double v = 3.0;
         ASSERT_EQ(TRVchgbds(s.t.env, s.lp, 1, &j, &lu, &v), 0);
         EXPECT_EQ(TRVgetstat(s.t.env, s.lp), 0);
-        ASSERT_NE(s.lp->solver, nullptr); /* the basis stays for a warm start */
-        EXPECT_EQ(s.lp->solver->ready, 0);
-        EXPECT_EQ(s.lp->solver->ready2, 1);
+        ASSERT_NE(lp_of(s.lp)->solver, nullptr); /* the basis stays for a warm start */
+        EXPECT_EQ(lp_of(s.lp)->solver->ready, 0);
+        EXPECT_EQ(lp_of(s.lp)->solver->ready2, 1);
         ASSERT_EQ(TRVchgobj(s.t.env, s.lp, 1, &j, &v), 0);
-        ASSERT_NE(s.lp->solver, nullptr);
+        ASSERT_NE(lp_of(s.lp)->solver, nullptr);
         ASSERT_EQ(TRVchgrngval(s.t.env, s.lp, 1, &j, &v), 0);
-        EXPECT_EQ(s.lp->solver->ready2, 0);
+        EXPECT_EQ(lp_of(s.lp)->solver->ready2, 0);
         ASSERT_EQ(TRVchgcoef(s.t.env, s.lp, 0, 0, 2.0), 0);
-        EXPECT_EQ(s.lp->solver, nullptr);
+        EXPECT_EQ(lp_of(s.lp)->solver, nullptr);
     }
     {
         Solved s;
@@ -226,36 +227,36 @@ TEST(Invalidate, BoundsAndObjectiveKeepTheBasisMatrixChangesDropIt) {
         char lu = 'L';
         double v = -1.0;
         ASSERT_EQ(TRVtightenbds(s.t.env, s.lp, 1, &j, &lu, &v), 0);
-        ASSERT_NE(s.lp->solver, nullptr);
-        EXPECT_EQ(s.lp->solver->ready, 1); /* kept in step */
-        EXPECT_EQ(s.lp->solver->splp.lower[0], -1.0);
-        EXPECT_EQ(s.lp->solver->it.x[0], -1.0); /* nonbasic at its lower bound */
+        ASSERT_NE(lp_of(s.lp)->solver, nullptr);
+        EXPECT_EQ(lp_of(s.lp)->solver->ready, 1); /* kept in step */
+        EXPECT_EQ(lp_of(s.lp)->solver->splp.lower[0], -1.0);
+        EXPECT_EQ(lp_of(s.lp)->solver->it.x[0], -1.0); /* nonbasic at its lower bound */
     }
     {
         Solved s;
-        s.lp->stat = 1;
+        lp_of(s.lp)->stat = 1;
         ASSERT_EQ(TRVchgname(s.t.env, s.lp, 'c', 0, "n"), 0);
-        EXPECT_EQ(s.lp->stat, 1); /* names touch no solution */
-        ASSERT_NE(s.lp->solver, nullptr);
+        EXPECT_EQ(lp_of(s.lp)->stat, 1); /* names touch no solution */
+        ASSERT_NE(lp_of(s.lp)->solver, nullptr);
         ASSERT_EQ(TRVnewcols(s.t.env, s.lp, 1, nullptr, nullptr, nullptr, nullptr, nullptr), 0);
         EXPECT_EQ(TRVgetstat(s.t.env, s.lp), 0); /* the merge raised its code */
-        EXPECT_EQ(s.lp->solver, nullptr);
+        EXPECT_EQ(lp_of(s.lp)->solver, nullptr);
     }
     {
         Solved s;
         ASSERT_EQ(TRVdelrows(s.t.env, s.lp, 0, 0), 0);
-        EXPECT_EQ(s.lp->solver, nullptr);
-        EXPECT_EQ(s.lp->stat, 0);
+        EXPECT_EQ(lp_of(s.lp)->solver, nullptr);
+        EXPECT_EQ(lp_of(s.lp)->stat, 0);
     }
     {
         Solved s;
-        invalidate(s.t.env, s.lp, 61); /* outside the table */
-        invalidate(s.t.env, s.lp, 40); /* an optimiser's own code */
-        EXPECT_EQ(s.lp->stat, 1);
-        ASSERT_NE(s.lp->solver, nullptr);
-        invalidate(s.t.env, s.lp, 23);
-        EXPECT_EQ(s.lp->stat, 1);
-        invalidate(s.t.env, s.lp, 28);
-        EXPECT_EQ(s.lp->solver, nullptr);
+        invalidate(env_of(s.t.env), lp_of(s.lp), 61); /* outside the table */
+        invalidate(env_of(s.t.env), lp_of(s.lp), 40); /* an optimiser's own code */
+        EXPECT_EQ(lp_of(s.lp)->stat, 1);
+        ASSERT_NE(lp_of(s.lp)->solver, nullptr);
+        invalidate(env_of(s.t.env), lp_of(s.lp), 23);
+        EXPECT_EQ(lp_of(s.lp)->stat, 1);
+        invalidate(env_of(s.t.env), lp_of(s.lp), 28);
+        EXPECT_EQ(lp_of(s.lp)->solver, nullptr);
     }
 }

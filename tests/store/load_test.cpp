@@ -6,6 +6,7 @@
 #include <string>
 
 #include "store/lp.h"
+#include "support/internal.h"
 #include "support/model.h"
 
 TEST(Load, SmallModelHasRangeColumnAndSlacks) {
@@ -13,7 +14,7 @@ TEST(Load, SmallModelHasRangeColumnAndSlacks) {
     int st = 0;
     TRVlp lp = small_model().copy_into(t.env, &st);
     ASSERT_EQ(st, 0);
-    lp_data *d = lp->lpdata;
+    lp_data *d = lp_of(lp)->lpdata;
     EXPECT_EQ(TRVgetnumcols(t.env, lp), 3);
     EXPECT_EQ(TRVgetnumrows(t.env, lp), 4);
     EXPECT_EQ(TRVgetnumnz(t.env, lp), 8);
@@ -53,7 +54,7 @@ TEST(Load, SimpleModelIsMarkedSimple) {
     m.col(1.0, 0.0, TRV_INFBOUND, {{0, 1.0}});
     TRVlp lp = m.copy_into(t.env);
     ASSERT_NE(lp, nullptr);
-    EXPECT_EQ(lp->lpdata->notsimple, 0);
+    EXPECT_EQ(lp_of(lp)->lpdata->notsimple, 0);
 }
 
 TEST(Load, LoadModelKeepsTheCallersArrays) {
@@ -66,8 +67,8 @@ TEST(Load, LoadModelKeepsTheCallersArrays) {
     TRVlp lp = TRVloadlp(t.env, "ld", 2, 2, 1, obj, rhs, sense, beg, cnt, ind,
                          val, lb, ub, rng, 3, 2, 4);
     ASSERT_NE(lp, nullptr);
-    EXPECT_EQ(lp->memmodel, MEM_LOAD);
-    EXPECT_EQ(lp->lpdata->obj, obj);
+    EXPECT_EQ(lp_of(lp)->memmodel, MEM_LOAD);
+    EXPECT_EQ(lp_of(lp)->lpdata->obj, obj);
     EXPECT_EQ(beg[2], 3); /* the range column went into the caller's spare room */
     EXPECT_EQ(ub[2], 3.0);
     /* a copy into a loaded problem is refused */
@@ -136,14 +137,14 @@ TEST(Load, DataCheckCatchesBadInputAndKeepsTheModel) {
     /* the earlier model is untouched */
     EXPECT_EQ(TRVgetnumrows(t.env, lp), 4);
     EXPECT_EQ(TRVgetnumnz(t.env, lp), 8);
-    EXPECT_EQ(lp->lpdata->sense[1], 'G');
+    EXPECT_EQ(lp_of(lp)->lpdata->sense[1], 'G');
 }
 
 TEST(Load, CopyOverAMipDropsItsData) {
     TestEnv t;
     TRVlp lp = small_model().copy_into(t.env);
-    lp->probtype = PROB_MIP;
-    lp->lpdata->ctype = trv_alloc<char>(lp->lpdata->colspace);
+    lp_of(lp)->probtype = PROB_MIP;
+    lp_of(lp)->lpdata->ctype = trv_alloc<char>(lp_of(lp)->lpdata->colspace);
     Model m = small_model();
     ASSERT_EQ(TRVcopylp(t.env, lp, m.ncols(), m.nrows(), 1, m.obj.data(),
                         m.rhs.data(), m.sense.data(), m.matbeg.data(),
@@ -152,8 +153,8 @@ TEST(Load, CopyOverAMipDropsItsData) {
               0);
     EXPECT_EQ(t.warn, "Freeing MIP data.\n");
     EXPECT_EQ(TRVgetprobtype(t.env, lp), 0);
-    EXPECT_EQ(lp->lpdata->ctype, nullptr);
-    EXPECT_EQ(lp->lpdata->colname, nullptr); /* copied without names */
+    EXPECT_EQ(lp_of(lp)->lpdata->ctype, nullptr);
+    EXPECT_EQ(lp_of(lp)->lpdata->colname, nullptr); /* copied without names */
 }
 
 TEST(Load, CloneIsDeepAndHasNoSpareRoom) {
@@ -164,7 +165,7 @@ TEST(Load, CloneIsDeepAndHasNoSpareRoom) {
     TRVlp c = TRVcloneprob(t.env, lp, &st);
     ASSERT_NE(c, nullptr);
     EXPECT_EQ(st, 0);
-    lp_data *a = lp->lpdata, *b = c->lpdata;
+    lp_data *a = lp_of(lp)->lpdata, *b = lp_of(c)->lpdata;
     EXPECT_NE(a->obj, b->obj);
     EXPECT_EQ(b->nstruct, a->nstruct);
     EXPECT_EQ(b->colspace, 4); /* structurals plus the range column */
@@ -222,20 +223,20 @@ TEST(Load, ReallocGrowsTheCallersArraysOnlyWithCurrentPointers) {
                              nullptr, nullptr, &lb, &ub, nullptr, nullptr,
                              nullptr, nullptr, nullptr, 10, 1, 2, 0, 0),
               1005);
-    EXPECT_EQ(lp->lpdata->colspace, 2);
+    EXPECT_EQ(lp_of(lp)->lpdata->colspace, 2);
     ASSERT_EQ(TRVreallocprob(t.env, lp, &obj, &rhs, &sense, &beg, &cnt, &ind,
                              &val, &lb, &ub, nullptr, nullptr, nullptr, nullptr,
                              nullptr, 10, 5, 20, 0, 0),
               0);
-    EXPECT_EQ(lp->lpdata->colspace, 10);
-    EXPECT_EQ(lp->lpdata->obj, obj);
+    EXPECT_EQ(lp_of(lp)->lpdata->colspace, 10);
+    EXPECT_EQ(lp_of(lp)->lpdata->obj, obj);
     EXPECT_EQ(obj[1], 1.0);
     /* a shrink keeps the capacity */
     ASSERT_EQ(TRVreallocprob(t.env, lp, &obj, &rhs, &sense, &beg, &cnt, &ind,
                              &val, &lb, &ub, nullptr, nullptr, nullptr, nullptr,
                              nullptr, 3, 1, 2, 0, 0),
               0);
-    EXPECT_EQ(lp->lpdata->colspace, 10);
+    EXPECT_EQ(lp_of(lp)->lpdata->colspace, 10);
     TRVfreeprob(t.env, &lp);
     for (void *p : {(void *)obj, (void *)lb, (void *)ub, (void *)rhs, (void *)val,
                     (void *)sense, (void *)beg, (void *)cnt, (void *)ind})
@@ -246,16 +247,16 @@ TEST(Load, UpdateCapFollowsTheRowCountAndParameter) {
     TestEnv t;
     lp_data d{};
     d.nrows = 10;
-    lp_updatecap(t.env, &d);
+    lp_updatecap(env_of(t.env), &d);
     EXPECT_EQ(d.updatecap, 1001);
     d.nrows = 50;
-    lp_updatecap(t.env, &d);
+    lp_updatecap(env_of(t.env), &d);
     EXPECT_EQ(d.updatecap, 5001);
     TRVsetintparam(t.env, 1031, 21);
-    lp_updatecap(t.env, &d);
+    lp_updatecap(env_of(t.env), &d);
     EXPECT_EQ(d.updatecap, 1001); /* min(50*20+1, 50*20+1) */
     d.nrows = 10;
-    lp_updatecap(t.env, &d);
+    lp_updatecap(env_of(t.env), &d);
     EXPECT_EQ(d.updatecap, 201);
 }
 
@@ -308,37 +309,37 @@ TEST(OutOfMemory, OpenCloneAndLoadFailCleanly) {
 
 TEST(Frame, RangeCheckPrintsBothMessagesForOneFailure) {
     TestEnv t;
-    EXPECT_FALSE(range_check(t.env, "TRVgetx", -1, 9, 0, 5));
+    EXPECT_FALSE(range_check(env_of(t.env), "TRVgetx", -1, 9, 0, 5));
     EXPECT_EQ(t.err,
               "TORVA Error  1205: TRVgetx: 'begin' value -1 is less than 0.\n"
               "TORVA Error  1206: TRVgetx: 'end' value 9 is greater than 4.\n");
-    EXPECT_TRUE(range_check(t.env, "f", 0, 4, 0, 5));
+    EXPECT_TRUE(range_check(env_of(t.env), "f", 0, 4, 0, 5));
 }
 
 TEST(Frame, ReportPrintsOnceAndTurnsNegativeCodesPositive) {
     TestEnv t;
-    int st = env_error(t.env, 1423, "nofile.mps");
+    int st = env_error(env_of(t.env), 1423, "nofile.mps");
     EXPECT_EQ(st, -1423);
-    env_report(t.env, &st);
+    env_report(env_of(t.env), &st);
     EXPECT_EQ(st, 1423);
     EXPECT_EQ(t.err, "TORVA Error  1423: Could not open file 'nofile.mps' for reading.\n");
     t.clear();
     st = 1101;
     TRVsetintparam(t.env, 1043, 0);
-    env_report(t.env, &st);
+    env_report(env_of(t.env), &st);
     EXPECT_EQ(t.err, ""); /* presolve messages switched off */
     st = 77777;
-    env_report(t.env, &st);
+    env_report(env_of(t.env), &st);
     EXPECT_EQ(t.err, "TORVA Error 77777:  Unknown error code.\n");
 }
 
 TEST(Frame, DefaultNamesAndRandomGenerator) {
     TestEnv t;
-    EXPECT_STREQ(env_varname(t.env, nullptr, 5, 2), "x3");
-    EXPECT_STREQ(env_conname(t.env, nullptr, 5, 0), "c1");
-    EXPECT_STREQ(env_varname(t.env, nullptr, 5, 5), "");
+    EXPECT_STREQ(env_varname(env_of(t.env), nullptr, 5, 2), "x3");
+    EXPECT_STREQ(env_conname(env_of(t.env), nullptr, 5, 0), "c1");
+    EXPECT_STREQ(env_varname(env_of(t.env), nullptr, 5, 5), "");
     /* the generator's first draws from seed 1 */
-    EXPECT_EQ(env_random(t.env), 16838);
-    EXPECT_EQ(env_random(t.env), 5758);
-    EXPECT_GE(env_time(t.env), 0.0);
+    EXPECT_EQ(env_random(env_of(t.env)), 16838);
+    EXPECT_EQ(env_random(env_of(t.env)), 5758);
+    EXPECT_GE(env_time(env_of(t.env)), 0.0);
 }

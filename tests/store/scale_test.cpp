@@ -5,10 +5,9 @@
 #include <cmath>
 
 #include "store/lp.h"
+#include "store/scale.h"
+#include "support/internal.h"
 #include "support/model.h"
-
-int lp_scale(TRVenv env, TRVlp lp, int want);
-int lp_unscale(TRVenv env, TRVlp lp);
 
 namespace {
 
@@ -42,9 +41,9 @@ TEST(Scaling, UnitMatrixIsLeftAlone) {
     md.col(1.0, 0.0, 4.0, {{0, 1.0}, {1, -1.0}});
     md.col(1.0, 0.0, 4.0, {{0, 2.0}, {1, 0.5}});
     TRVlp lp = md.copy_into(te.env);
-    ASSERT_EQ(lp_scale(te.env, lp, 0), 0);
-    EXPECT_EQ(lp->lpdata->scaletype, -2);
-    EXPECT_EQ(lp->lpdata->colscale, nullptr);
+    ASSERT_EQ(lp_scale(env_of(te.env), lp_of(lp), 0), 0);
+    EXPECT_EQ(lp_of(lp)->lpdata->scaletype, -2);
+    EXPECT_EQ(lp_of(lp)->lpdata->colscale, nullptr);
     TRVfreeprob(te.env, &lp);
 }
 
@@ -53,9 +52,9 @@ TEST(Scaling, EquilibrationAndGeometricNarrowTheSpread) {
         TestEnv te;
         Model md = spread_model();
         TRVlp lp = md.copy_into(te.env);
-        lp_data *d = lp->lpdata;
+        lp_data *d = lp_of(lp)->lpdata;
         double before = max_spread(d);
-        ASSERT_EQ(lp_scale(te.env, lp, scheme), 0);
+        ASSERT_EQ(lp_scale(env_of(te.env), lp_of(lp), scheme), 0);
         EXPECT_EQ(d->scaletype, scheme);
         ASSERT_NE(d->colscale, nullptr);
         EXPECT_LT(max_spread(d), before / 100.0) << scheme;
@@ -76,7 +75,7 @@ TEST(Scaling, EquilibrationAndGeometricNarrowTheSpread) {
         /* infinite bounds stay as stored */
         EXPECT_EQ(d->ub[1], 1e20);
         /* and back */
-        ASSERT_EQ(lp_unscale(te.env, lp), 0);
+        ASSERT_EQ(lp_unscale(env_of(te.env), lp_of(lp)), 0);
         EXPECT_EQ(d->colscale, nullptr);
         for (int j = 0; j < md.ncols(); j++) {
             EXPECT_NEAR(d->obj[j], md.obj[j], 1e-14 * std::fabs(md.obj[j]));
@@ -96,10 +95,10 @@ TEST(Scaling, UnscaleprobChecksItsHandles) {
     EXPECT_EQ(TRVunscaleprob(te.env, nullptr), 1009);
     Model md = spread_model();
     TRVlp lp = md.copy_into(te.env);
-    ASSERT_EQ(lp_scale(te.env, lp, 1), 0);
+    ASSERT_EQ(lp_scale(env_of(te.env), lp_of(lp), 1), 0);
     ASSERT_EQ(TRVunscaleprob(te.env, lp), 0);
-    EXPECT_EQ(lp->lpdata->scaletype, -1);
-    EXPECT_EQ(lp->lpdata->rowscalestore, nullptr);
+    EXPECT_EQ(lp_of(lp)->lpdata->scaletype, -1);
+    EXPECT_EQ(lp_of(lp)->lpdata->rowscalestore, nullptr);
     TRVlp stale = lp;
     TRVfreeprob(te.env, &lp);
     EXPECT_EQ(TRVunscaleprob(te.env, stale), 1009);
