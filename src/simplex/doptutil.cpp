@@ -32,6 +32,7 @@ static void state_release(dual_state *ds) {
     trv_free(&ds->ar_val);
     trv_free(&ds->work);
     trv_free(&ds->work2);
+    trv_free(&ds->iwork);
     trv_free(&ds->cand_j);
     trv_free(&ds->cand_ratio);
     trv_free(&ds->cand_a);
@@ -78,7 +79,7 @@ void dual_row_partition(TRVlp lp) {
         if (it->status[j] != 1)
             for (int k = s->col_beg[j]; k < s->col_end[j]; k++) fill[s->row_idx[k]]++;
     /* nonbasic entries from the row start, basic ones from the count */
-    int *back = reinterpret_cast<int *>(ds->work); /* m ints fit in m doubles */
+    int *back = ds->iwork;
     for (int i = 0; i < m; i++) back[i] = ds->ar_beg[i] + fill[i];
     for (int i = 0; i < m; i++) fill[i] = ds->ar_beg[i];
     for (int j = 0; j < nt; j++) {
@@ -92,10 +93,7 @@ void dual_row_partition(TRVlp lp) {
             ds->ar_pos[k] = e;
         }
     }
-    for (int i = 0; i < m; i++) {
-        ds->ar_nnb[i] = fill[i] - ds->ar_beg[i];
-        back[i] = 0;
-    }
+    for (int i = 0; i < m; i++) ds->ar_nnb[i] = fill[i] - ds->ar_beg[i];
 }
 
 static inline void swap_places(dual_state *ds, int a, int b) {
@@ -151,6 +149,7 @@ int dual_state_alloc(TRVenv env, TRVlp lp) {
     ds->prow_idx = trv_alloc<int>(nc);
     ds->work = trv_zalloc<double>(m);
     ds->work2 = trv_zalloc<double>(m);
+    ds->iwork = trv_alloc<int>(m);
     ds->cand_j = trv_alloc<int>(nc);
     ds->cand_ratio = trv_alloc<double>(nc);
     ds->cand_a = trv_alloc<double>(nc);
@@ -161,7 +160,7 @@ int dual_state_alloc(TRVenv env, TRVlp lp) {
     if (it->y == nullptr) it->y = trv_zalloc<double>(m);
     if (it->dweight == nullptr) it->dweight = trv_alloc<double>(m);
     if (!ds->lower || !ds->upper || !ds->cost || !ds->rhs || !ds->lo_on || !ds->up_on ||
-        !ds->prow || !ds->prow_idx || !ds->work || !ds->work2 || !ds->cand_j ||
+        !ds->prow || !ds->prow_idx || !ds->work || !ds->work2 || !ds->iwork || !ds->cand_j ||
         !ds->cand_ratio || !ds->cand_a || !ds->cand_h || !ds->flip_list || !ds->attempted || !it->d ||
         !it->y || !it->dweight)
         return 1001;

@@ -79,6 +79,7 @@ struct dual_state {
     int *ar_beg, *ar_nnb, *ar_idx, *ar_pos, *ar_k;
     double *ar_val;
     double *work, *work2; /* m, zero between uses */
+    int *iwork;           /* m, scratch of the row-wise copy's layout */
     /* ratio test */
     int *cand_j;
     double *cand_ratio, *cand_a, *cand_h; /* ratio, signed entry, relaxed ratio */
