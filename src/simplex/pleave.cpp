@@ -230,7 +230,6 @@ static int basis_change(TRVenv env, TRVlp lp, int q, int dir, int forced) {
         /* the update refactored: everything from scratch */
         ps->updates = 0;
         ps->log.refactored = 1;
-        it->n_lu++;
         primal_compute_x(lp);
         if (primal_set_phase(lp)) primal_price_reset(lp);
         primal_compute_y(lp);

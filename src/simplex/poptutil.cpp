@@ -267,7 +267,6 @@ int primal_refactor(TRVenv env, TRVlp lp) {
     primal_state *ps = lp->primal;
     int st = lu_refactor(env, lp, &it->markowitz, it->pivot_tol, 1, 0);
     if (st != 0 && st != RC_REPAIRED) return st;
-    it->n_lu++;
     ps->updates = 0;
     ps->log.refactored = 1;
     ps->n_banned = 0;

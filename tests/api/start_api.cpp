@@ -214,13 +214,37 @@ TEST(BasisColumns, GradChecksItsArguments) {
     EXPECT_EQ(TRVgetobjval(t.env, lp, &z), 0);
     EXPECT_EQ(TRVprimopt(t.env, lp), 0);
     EXPECT_EQ(TRVgetitcnt(t.env, lp), 0);
-    /* a singular basis given by the caller is not repaired here */
-    std::vector<int> cstat(6, 0), rstat(4, 1);
-    cstat[0] = cstat[1] = 1; /* two more basics than rows allow; the load keeps m */
-    rstat[0] = rstat[1] = 0;
+    TRVfreeprob(t.env, &lp);
+}
+
+TEST(BasisColumns, GradRefusesASingularBasisAndKeepsIt) {
+    /* two equal columns both basic: the caller's basis is singular, and the
+     * call says so rather than answering for a repaired one */
+    TestEnv t;
+    Model md;
+    md.row('L', 4.0);
+    md.row('L', 6.0);
+    md.col(-1.0, 0.0, 10.0, {{0, 1.0}, {1, 2.0}});
+    md.col(-1.0, 0.0, 10.0, {{0, 1.0}, {1, 2.0}});
+    md.col(-2.0, 0.0, 10.0, {{0, 1.0}});
+    TRVlp lp = md.copy_into(t.env);
+    std::vector<int> cstat = {1, 1, 0}, rstat = {0, 0};
     ASSERT_EQ(TRVcopybase(t.env, lp, cstat.data(), rstat.data()), 0);
-    int st = TRVgetgrad(t.env, lp, 2, head, y);
-    EXPECT_TRUE(st == 0 || st == 1256) << st;
+    double y[2];
+    int head[2];
+    t.clear();
+    EXPECT_EQ(TRVgetgrad(t.env, lp, 2, head, y), 1256);
+    EXPECT_EQ(t.err, "TORVA Error  1256: Basis singular.\n");
+    std::vector<int> c(3), r(2);
+    ASSERT_EQ(TRVgetbase(t.env, lp, c.data(), r.data()), 0);
+    EXPECT_EQ(c, cstat);
+    EXPECT_EQ(r, rstat);
+    /* a solve from it repairs the basis and reaches the optimum */
+    ASSERT_EQ(TRVprimopt(t.env, lp), 0);
+    EXPECT_EQ(TRVgetstat(t.env, lp), 1);
+    double z;
+    ASSERT_EQ(TRVgetobjval(t.env, lp, &z), 0);
+    EXPECT_NEAR(z, -8.0, 1e-9);
     TRVfreeprob(t.env, &lp);
 }
 

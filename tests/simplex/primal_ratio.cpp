@@ -71,6 +71,14 @@ Model rows_model(std::vector<double> rhs, std::vector<double> entries) {
 
 } // namespace
 
+TEST(PrimalRefactor, EachFactorizationCountsOnce) {
+    Model md = rows_model({1.0, 2.0, 5.0}, {1.0, 1.0, 1.0});
+    Prepared p(md);
+    EXPECT_EQ(p.it()->n_lu, 1); /* the first factorization */
+    ASSERT_EQ(primal_refactor(env_of(p.te.env), p.lp), 0);
+    EXPECT_EQ(p.it()->n_lu, 2);
+}
+
 TEST(PrimalRatio, HarrisPrefersTheLargerPivotAmongNearTies) {
     Model md = rows_model({1.0, 1.0, 5.0}, {1e-3, 1.0, 1.0});
     Prepared p(md);

@@ -10,18 +10,11 @@
 #include <string>
 #include <vector>
 
-#include "frame/trv.h"
+#include "support/alloc.h"
 #include "support/kkt.h"
 #include "support/model.h"
 
 namespace {
-
-/* Allocations one call makes when none fails. */
-template <class F> long allocations_of(F call) {
-    long before = trv_alloc_count();
-    call();
-    return trv_alloc_count() - before;
-}
 
 std::vector<int> base_of(TRVenv env, TRVlp lp) {
     std::vector<int> b(TRVgetnumcols(env, lp) + TRVgetnumrows(env, lp), -1);
@@ -35,10 +28,14 @@ TEST(StartMemory, CopyAndReadKeepTheOldBasisWhenMemoryRunsOut) {
     TestEnv t;
     TRVsetintparam(t.env, 1019, 0);
     Model md = random_lp(5, 9, 6);
-    TRVlp lp = md.copy_into(t.env);
-    ASSERT_EQ(TRVdualopt(t.env, lp), 0);
-    std::vector<int> solved = base_of(t.env, lp);
-    ASSERT_FALSE(solved.empty());
+    std::vector<int> solved;
+    {
+        TRVlp lp = md.copy_into(t.env);
+        ASSERT_EQ(TRVdualopt(t.env, lp), 0);
+        solved = base_of(t.env, lp);
+        ASSERT_FALSE(solved.empty());
+        TRVfreeprob(t.env, &lp);
+    }
     /* the slack basis, as the basis to copy and to read */
     int n = md.ncols(), m = md.nrows();
     std::vector<int> cstat(n, 0), rstat(m, 1);
@@ -50,40 +47,26 @@ TEST(StartMemory, CopyAndReadKeepTheOldBasisWhenMemoryRunsOut) {
         TRVfreeprob(t.env, &other);
     }
     for (int which = 0; which < 2; which++) {
-        auto call = [&] {
-            return which == 0 ? TRVcopybase(t.env, lp, cstat.data(), rstat.data())
-                              : TRVreadcopybase(t.env, lp, path.c_str());
+        /* each call starts from a solved copy that holds its basis */
+        auto prepare = [&] {
+            TRVlp c = md.copy_into(t.env);
+            EXPECT_EQ(TRVdualopt(t.env, c), 0);
+            return c;
         };
-        long used = allocations_of([&] {
-            TRVlp c = md.copy_into(t.env);
-            TRVlp keep = lp;
-            lp = c;
-            call();
-            lp = keep;
-            TRVfreeprob(t.env, &c);
-        });
-        int failures = 0;
-        for (long k = 1; k <= used; k++) {
-            TRVlp c = md.copy_into(t.env);
-            ASSERT_EQ(TRVdualopt(t.env, c), 0);
-            TRVlp keep = lp;
-            lp = c;
-            trv_alloc_failat(k);
-            int st = call();
-            trv_alloc_failat(0);
-            lp = keep;
-            EXPECT_TRUE(st == 0 || st == 1001) << which << " allocation " << k << ": " << st;
+        auto call = [&](TRVlp c) {
+            return which == 0 ? TRVcopybase(t.env, c, cstat.data(), rstat.data())
+                              : TRVreadcopybase(t.env, c, path.c_str());
+        };
+        auto after = [&](TRVlp c, int st, long k) {
             if (st == 1001) {
-                failures++;
                 EXPECT_EQ(base_of(t.env, c), solved) << which << " allocation " << k;
                 EXPECT_EQ(TRVgetstat(t.env, c), 1);
             }
             TRVfreeprob(t.env, &c);
-        }
-        EXPECT_GT(failures, 0) << which;
+        };
+        EXPECT_GT(every_allocation_fails(prepare, call, after), 0) << which;
     }
     std::remove(path.c_str());
-    TRVfreeprob(t.env, &lp);
 }
 
 TEST(StartMemory, GradLeavesTheProblemAsItWas) {
@@ -95,17 +78,15 @@ TEST(StartMemory, GradLeavesTheProblemAsItWas) {
     int m = md.nrows();
     std::vector<double> ref(m), y(m);
     std::vector<int> head(m);
-    long used = allocations_of([&] { TRVgetgrad(t.env, lp, 3, head.data(), ref.data()); });
-    ASSERT_GT(used, 5);
-    for (long k = 1; k <= used; k++) {
-        trv_alloc_failat(k);
-        int st = TRVgetgrad(t.env, lp, 3, head.data(), y.data());
-        trv_alloc_failat(0);
-        EXPECT_TRUE(st == 0 || st == 1001) << "allocation " << k << ": " << st;
+    ASSERT_EQ(TRVgetgrad(t.env, lp, 3, head.data(), ref.data()), 0);
+    auto prepare = [&] { return 0; };
+    auto call = [&](int) { return TRVgetgrad(t.env, lp, 3, head.data(), y.data()); };
+    auto after = [&](int, int st, long k) {
         if (st == 0) {
-            EXPECT_EQ(y, ref);
+            EXPECT_EQ(y, ref) << k;
         }
-    }
+    };
+    every_allocation_fails(prepare, call, after);
     EXPECT_EQ(TRVgetstat(t.env, lp), 1);
     ASSERT_EQ(TRVgetgrad(t.env, lp, 3, head.data(), y.data()), 0);
     EXPECT_EQ(y, ref);
@@ -118,24 +99,13 @@ TEST(StartMemory, CleanUpRunEndsCleanWhenMemoryRunsOut) {
     Model md = badly_scaled(6);
     TestEnv t;
     TRVsetintparam(t.env, 1019, 0);
-    long used = allocations_of([&] {
-        TRVlp c = md.copy_into(t.env);
-        TRVprimopt(t.env, c);
-        TRVfreeprob(t.env, &c);
-    });
-    int failures = 0;
-    for (long k = 1; k <= used; k++) {
-        TRVlp c = md.copy_into(t.env);
-        ASSERT_NE(c, nullptr);
-        trv_alloc_failat(k);
-        int st = TRVprimopt(t.env, c);
-        trv_alloc_failat(0);
-        EXPECT_TRUE(st == 0 || st == 1001) << "allocation " << k << ": " << st;
+    auto prepare = [&] { return md.copy_into(t.env); };
+    auto call = [&](TRVlp c) { return TRVprimopt(t.env, c); };
+    auto after = [&](TRVlp c, int st, long k) {
         if (st == 1001) {
-            failures++;
             EXPECT_EQ(TRVgetstat(t.env, c), 0) << k;
         }
         TRVfreeprob(t.env, &c);
-    }
-    EXPECT_GT(failures, 0);
+    };
+    EXPECT_GT(every_allocation_fails(prepare, call, after), 0);
 }
