@@ -124,8 +124,8 @@ int column(lp_state *st, const char *b, int len, int *col) {
 }
 
 int find_column(const lp_state *st, const char *b, int len) {
-    unsigned bucket;
-    return namehash_lookup_n(st->cols->index, b, static_cast<size_t>(len), &bucket);
+    unsigned word;
+    return namehash_lookup_n(st->cols->index, b, static_cast<size_t>(len), &word);
 }
 
 int number_error(lp_state *st, int code, const char *b, const char *end) {
