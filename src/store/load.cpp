@@ -133,13 +133,16 @@ static int size_guard(const lp_data *d) {
 
 /* ---- capacities -------------------------------------------------------- */
 
-/* Reallocates a name store and moves its pointers along. */
-static int names_grow(char **names, int count, char **store, size_t bytes) {
+/* Moves a name store of oldbytes into a new block of bytes and its
+ * pointers along, while the old block still stands. */
+static int names_grow(char **names, int count, char **store, long oldbytes, long bytes) {
     char *old = *store;
-    char *q = static_cast<char *>(trv_realloc(old, bytes));
+    char *q = trv_alloc<char>(bytes);
     if (q == nullptr) return 1001;
+    std::memcpy(q, old, oldbytes < bytes ? oldbytes : bytes);
     for (int k = 0; k < count; k++)
         if (names[k] != nullptr) names[k] = q + (names[k] - old);
+    trv_free(store);
     *store = q;
     return 0;
 }
@@ -230,12 +233,12 @@ int lp_ensure(TRVenv env, TRVlp lp, int cols, int rows, int nz,
     st = st ? st : grow_nz(d, static_cast<int>(newnz));
     if (!st && colnamebytes > d->colnamespace && d->colnamestore != nullptr) {
         long bytes = colnamebytes + 17L * xc;
-        st = names_grow(d->colname, d->ncols, &d->colnamestore, bytes);
+        st = names_grow(d->colname, d->ncols, &d->colnamestore, d->colnamespace, bytes);
         if (!st) d->colnamespace = static_cast<int>(bytes);
     }
     if (!st && rownamebytes > d->rownamespace && d->rownamestore != nullptr) {
         long bytes = rownamebytes + 17L * xr;
-        st = names_grow(d->rowname, d->nrows, &d->rownamestore, bytes);
+        st = names_grow(d->rowname, d->nrows, &d->rownamestore, d->rownamespace, bytes);
         if (!st) d->rownamespace = static_cast<int>(bytes);
     }
     return st;
@@ -965,11 +968,13 @@ TRV_EXPORT int TRVreallocprob(TRVenv env, TRVlp lp, double **obj_p,
         if (status == 0 && grows) status = grow_rows(d, rowspace);
         if (status == 0 && gnz) status = grow_nz(d, nzspace);
         if (status == 0 && gcn) {
-            status = names_grow(d->colname, d->ncols, &d->colnamestore, colnamespace);
+            status = names_grow(d->colname, d->ncols, &d->colnamestore, d->colnamespace,
+                                colnamespace);
             if (status == 0) d->colnamespace = colnamespace;
         }
         if (status == 0 && grn) {
-            status = names_grow(d->rowname, d->nrows, &d->rownamestore, rownamespace);
+            status = names_grow(d->rowname, d->nrows, &d->rownamestore, d->rownamespace,
+                                rownamespace);
             if (status == 0) d->rownamespace = rownamespace;
         }
         /* Whatever moved, the caller gets the current pointers back. */

@@ -89,12 +89,15 @@ static int nameset_room(nameset *set, long len) {
                      (set->growbytes > set->storebytes ? set->growbytes : set->storebytes);
         if (bytes < set->usedbytes + len + 1) bytes = set->usedbytes + len + 1;
         if (bytes >= NAMES_MAXBYTES) return 1012;
-        char *old = set->store;
-        if (trv_grow(&set->store, bytes) != 0) return 1001;
+        /* a new block, so that the pointers are moved while the old one
+         * still stands */
+        char *fresh = trv_alloc<char>(bytes);
+        if (fresh == nullptr) return 1001;
+        if (set->usedbytes > 0) std::memcpy(fresh, set->store, set->usedbytes);
+        for (int k = 0; k < set->count; k++) set->names[k] = fresh + (set->names[k] - set->store);
+        trv_free(&set->store);
+        set->store = fresh;
         set->storebytes = bytes;
-        ptrdiff_t delta = set->store - old;
-        if (delta != 0)
-            for (int k = 0; k < set->count; k++) set->names[k] += delta;
         if (set->index != nullptr) namehash_rekey(set->index, set->names);
     }
     return 0;
