@@ -198,6 +198,7 @@ static int grow_nz(lp_data *d, int space) {
 int lp_ensure(TRVenv env, TRVlp lp, int cols, int rows, int nz,
               long colnamebytes, long rownamebytes) {
     lp_data *d = lp->lpdata;
+    if (colnamebytes >= LP_NAMEBYTES_MAX || rownamebytes >= LP_NAMEBYTES_MAX) return 1012;
     if (lp->memmodel == MEM_LOAD) {
         const char *fmt = nullptr;
         long need = 0, have = 0;
@@ -233,11 +234,13 @@ int lp_ensure(TRVenv env, TRVlp lp, int cols, int rows, int nz,
     st = st ? st : grow_nz(d, static_cast<int>(newnz));
     if (!st && colnamebytes > d->colnamespace && d->colnamestore != nullptr) {
         long bytes = colnamebytes + 17L * xc;
+        if (bytes >= LP_NAMEBYTES_MAX) bytes = colnamebytes; /* no spare room then */
         st = names_grow(d->colname, d->ncols, &d->colnamestore, d->colnamespace, bytes);
         if (!st) d->colnamespace = static_cast<int>(bytes);
     }
     if (!st && rownamebytes > d->rownamespace && d->rownamestore != nullptr) {
         long bytes = rownamebytes + 17L * xr;
+        if (bytes >= LP_NAMEBYTES_MAX) bytes = rownamebytes;
         st = names_grow(d->rowname, d->nrows, &d->rownamestore, d->rownamespace, bytes);
         if (!st) d->rownamespace = static_cast<int>(bytes);
     }
@@ -650,22 +653,29 @@ TRV_EXPORT TRVlp TRVcreateprob(TRVenv env, int *status_p, const char *probname) 
 /* ---- copying a model into a library-owned problem --------------------------- */
 
 /* Bytes of a name list, terminators included. */
-static long name_bytes(int count, char **names) {
+int lp_namestore_bytes(int count, char *const *names, int space, long *bytes_p) {
     long n = 0;
     if (names != nullptr)
-        for (int k = 0; k < count; k++) n += static_cast<long>(std::strlen(names[k])) + 1;
-    return n;
+        for (int k = 0; k < count && n < LP_NAMEBYTES_MAX; k++)
+            n += static_cast<long>(std::strlen(names[k])) + 1;
+    if (space > count) n += 17L * (space - count);
+    *bytes_p = n;
+    return n >= LP_NAMEBYTES_MAX ? 1012 : 0;
 }
 
 /* Packs names into a store with room for 16-character names in the spare
  * slots; the pointer array has space entries. */
 static int names_copy(int count, char **src, int space, char ***names_p,
                       char **store_p, int *bytes_p) {
+    long bytes = 0;
+    if (src != nullptr) {
+        int status = lp_namestore_bytes(count, src, space, &bytes);
+        if (status != 0) return status;
+    }
     trv_free(names_p);
     trv_free(store_p);
     *bytes_p = 0;
     if (src == nullptr) return 0;
-    long bytes = name_bytes(count, src) + 17L * (space - count);
     char **names = trv_zalloc<char *>(space);
     char *store = trv_alloc<char>(bytes);
     if (names == nullptr || store == nullptr) {
