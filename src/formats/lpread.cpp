@@ -102,18 +102,12 @@ int cut_name(lp_state *st, const char *b, int len) {
     return RW_NAMELEN;
 }
 
-/* A name that would read as an exponent: "e", "E", "e1", ... Behind an
- * explicit sign or a coefficient it cannot be one, and is taken as a name. */
+/* A name that looks like an exponent: "e", "E", "e1", ... It cannot be
+ * read as a number (an exponent needs digits before it), so it is a name
+ * wherever a name may stand; only where the name must already exist and
+ * does not is it told apart from a misplaced number. */
 bool exponent_like(const char *b, int len) {
     return (b[0] == 'e' || b[0] == 'E') && (len == 1 || (b[1] >= '0' && b[1] <= '9'));
-}
-
-int bad_identifier(lp_state *st, const char *b, int len) {
-    char tok[RW_NAMELEN + 1];
-    int n = len > RW_NAMELEN ? RW_NAMELEN : len;
-    std::memcpy(tok, b, n);
-    tok[n] = '\0';
-    return env_error(st->env, 1617, st->lineno, tok);
 }
 
 int column(lp_state *st, const char *b, int len, int *col) {
@@ -265,7 +259,6 @@ int name_token(lp_state *st, const char **pp, const char *end) {
         return 0;
     }
     if (P.phase == RP_AFTER && !P.havesign && !P.havecoef) return expect_op(st, *b);
-    if (exponent_like(b, len) && !P.havesign && !P.havecoef) return bad_identifier(st, b, len);
     len = cut_name(st, b, len);
     int col, status = column(st, b, len, &col);
     if (status != 0) return status;
@@ -309,7 +302,6 @@ int quad_step(lp_state *st, const char **pp, const char *end) {
         if (k & LPC_NAME) {
             const char *e = name_end(st, p, end);
             int len = static_cast<int>(e - p);
-            if (exponent_like(p, len)) return bad_identifier(st, p, len);
             int status = column(st, p, cut_name(st, p, len), &P.qcol);
             *pp = e;
             P.quad = Q_OP;
@@ -341,7 +333,6 @@ int quad_step(lp_state *st, const char **pp, const char *end) {
         if (!(k & LPC_NAME)) return env_error(st->env, 1609, st->lineno);
         const char *e = name_end(st, p, end);
         int len = static_cast<int>(e - p);
-        if (exponent_like(p, len)) return bad_identifier(st, p, len);
         int col, status = column(st, p, cut_name(st, p, len), &col);
         if (status != 0) return status;
         *pp = e;
@@ -465,20 +456,26 @@ int bound_value(lp_state *st, const char **pp, const char *end, double *v) {
     return 0;
 }
 
-/* A name of the bound line that must exist: its column, or -1 after the
- * warning. */
+/* A name of the bound, integer or set lines, which must exist: its column,
+ * or -1 after a warning. A name that looks like an exponent is the column
+ * of that name; only where there is none is it taken for a misplaced
+ * number. */
 int bound_column(lp_state *st, const char *b, int len) {
     char tok[RW_NAMELEN + 1];
     int n = len > RW_NAMELEN ? RW_NAMELEN : len;
     std::memcpy(tok, b, n);
     tok[n] = '\0';
-    if (len > 0 && (!(cls_of(st, b[0]) & LPC_NAME) || exponent_like(b, len))) {
+    if (len > 0 && !(cls_of(st, b[0]) & LPC_NAME)) {
         TRVmsg(st->env->warnchannel, "Line %d: '%s' not valid identifier.\n", st->lineno, tok);
         return -1;
     }
     int j = find_column(st, b, n);
-    if (j < 0) TRVmsg(st->env->warnchannel, "Line %d: Name '%s' does not exist.\n", st->lineno, tok);
-    return j;
+    if (j >= 0) return j;
+    if (len > 0 && exponent_like(b, len))
+        TRVmsg(st->env->warnchannel, "Line %d: '%s' not valid identifier.\n", st->lineno, tok);
+    else
+        TRVmsg(st->env->warnchannel, "Line %d: Name '%s' does not exist.\n", st->lineno, tok);
+    return -1;
 }
 
 /* The bound that a sense sets: "x <= v" an upper one, "v <= x" a lower one. */

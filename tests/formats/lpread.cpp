@@ -56,14 +56,51 @@ TEST(LpRead, ExponentsAndExponentLikeNames) {
     ASSERT_EQ(r.lp("min: 3e-38x + y\nend\n"), 0);
     EXPECT_EQ(r.m.ncols, 2);
     EXPECT_EQ(r.m.obj[r.col("x")], 0.0);
-    EXPECT_EQ(r.lp("min: e1\nend\n"), -1617);
-    EXPECT_TRUE(r.said("Line 1: 'e1' not valid identifier"));
-    /* behind a sign or a coefficient the name cannot be an exponent */
+    /* an exponent needs digits before it: alone, "e1" and "E" are names */
+    ASSERT_EQ(r.lp("min: e1 + E\nend\n"), 0) << r.te.err;
+    EXPECT_EQ(r.m.obj[r.col("e1")], 1.0);
+    EXPECT_EQ(r.m.obj[r.col("E")], 1.0);
     ASSERT_EQ(r.lp("min: - 10 E11 + E2\nend\n"), 0) << r.te.err;
     EXPECT_EQ(r.m.obj[r.col("E11")], -10.0);
     EXPECT_EQ(r.m.obj[r.col("E2")], 1.0);
+    /* joined to digits the exponent is one: 2e1 x is 20 x */
     ASSERT_EQ(r.lp("min: 2e1x\nend\n"), 0);
     EXPECT_EQ(r.m.obj[0], 20.0);
+}
+
+/* Names like E1COL01, E11, e2 (as netlib models have them) in every place a
+ * name may stand, written without a sign before them. */
+TEST(LpRead, ExponentLikeNamesInEverySection) {
+    Read r;
+    ASSERT_EQ(r.lp("Minimize\n E1COL01 + 2 E2COL01 - E11 + [ E11 ^ 2 + 2 E1COL01 * e2 ]\n"
+                   "Subject To\n E1ROW: E1COL01 + E11 >= 4\n E11: e2 + E3 <= 1\n"
+                   "c3: E11 >= -2\nBounds\n E1COL01 <= 1.5\n 0.5 <= E2COL01 <= 3\n"
+                   " E11 >= -1\n -1 <= e2\n E3 free\n e4 <= 3\n nosuch <= 3\n"
+                   "Generals\n E2COL01 e5\nSOS\n s1: S1:: E11:1 e2:2\nEnd\n"),
+              0)
+        << r.te.err;
+    int a = r.col("E1COL01"), b = r.col("E2COL01"), c = r.col("E11"), d = r.col("e2"),
+        e = r.col("E3");
+    ASSERT_EQ(r.m.ncols, 5);
+    EXPECT_EQ(r.m.obj[a], 1.0);
+    EXPECT_EQ(r.m.obj[c], -1.0);
+    EXPECT_EQ(r.m.qmatval[r.m.qmatbeg[c]], 2.0);
+    EXPECT_EQ(r.coef(1, d), 1.0);
+    EXPECT_STREQ(r.m.rowname[1], "E11");
+    EXPECT_EQ(r.coef(2, c), 1.0);
+    EXPECT_EQ(r.m.ub[a], 1.5);
+    EXPECT_EQ(r.m.lb[b], 0.5);
+    EXPECT_EQ(r.m.ub[b], 3.0);
+    EXPECT_EQ(r.m.lb[c], -1.0);
+    EXPECT_EQ(r.m.lb[d], -1.0);
+    EXPECT_EQ(r.m.lb[e], -TRV_INF);
+    EXPECT_EQ(r.m.ctype[b], 'I');
+    EXPECT_EQ(r.m.sosind[0], c);
+    EXPECT_EQ(r.m.sosind[1], d);
+    /* only a name that exists nowhere is told apart from a misplaced number */
+    EXPECT_EQ(r.te.warn, "Line 13: 'e4' not valid identifier.\n"
+                         "Line 14: Name 'nosuch' does not exist.\n"
+                         "Line 16: 'e5' not valid identifier.\n");
 }
 
 TEST(LpRead, ZeroCoefficientsDropButTheColumnStays) {
@@ -218,7 +255,6 @@ INSTANTIATE_TEST_SUITE_P(
         BadLp{"min: [ x + y ]\nend\n", 1614, "Line 1: Expected ^ or *"},
         BadLp{"min: [ x * 2 ]\nend\n", 1609, "Line 1: Expected identifier first"},
         BadLp{"min: 3 + x\nend\n", 1616, "Line 1: Expected identifier, found '+'"},
-        BadLp{"min: E\nend\n", 1617, "Line 1: 'E' not valid identifier"},
         BadLp{"min: .e5x\nend\n", 1618, "Line 1: Exponent '.e5x' not started with number"},
         BadLp{"min: 2e + x\nend\n", 1618, "Line 1: Exponent '2e' not ended with number"},
         BadLp{"min: x\nbounds\n x 3\nend\n", 1621, "Line 3: No bound sense"},
