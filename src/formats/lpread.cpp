@@ -1018,6 +1018,8 @@ int lp_read(TRVenv env, const char *filename, int want, read_model *m) {
         in.bylines = st->interactive;
         if (status == 0) status = tables_init(st);
         if (status == 0) status = read_lines(st, &in);
+        if (st->kwwarn > 5)
+            TRVmsg(env->warnchannel, "%d keyword warnings not printed.\n", st->kwwarn - 5);
         if (st->truncwarn > 20)
             TRVmsg(env->warnchannel, "%d truncation warning messages not printed.\n",
                    st->truncwarn - 20);

@@ -78,6 +78,7 @@ struct lp_state {
     int lastcode;
     int objsense;
     int truncwarn;
+    int kwwarn;   /* keywords taken over a column's name */
     /* tables */
     nameset *cols;
     nameset *rnames;  /* row names given in the file */

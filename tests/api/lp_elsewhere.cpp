@@ -122,3 +122,24 @@ TEST(LpElsewhere, ExponentLikeNamesWithoutSignsInEverySection) {
         "End\n");
     EXPECT_EQ(expect_optimum(path, 2.25), "Problem contains integer declarations, ignored.\n");
 }
+
+/* A modelling library's writer with variables called bin, end, general,
+ * int and semi, each at the start of its bound line. glpsol stops at
+ * "end <= 3" and clp refuses the name; with the variables renamed glpsol
+ * gives 20. Taken as keywords, the bounds are lost and the optimum is 100. */
+TEST(LpElsewhere, ModellingLibraryWithKeywordNames) {
+    std::string path = file_of("kw.lp",
+        "\\* kw *\\\n"
+        "Maximize\n"
+        "OBJ: bin + end + general + int + semi\n"
+        "Subject To\n"
+        "_C1: bin + end + general + int + semi <= 100\n"
+        "Bounds\n"
+        "bin <= 2\n"
+        "end <= 3\n"
+        "general <= 4\n"
+        "int <= 5\n"
+        "semi <= 6\n"
+        "End\n");
+    EXPECT_EQ(expect_optimum(path, 20.0), "");
+}

@@ -103,6 +103,41 @@ TEST(LpRead, ExponentLikeNamesInEverySection) {
                          "Line 16: 'e5' not valid identifier.\n");
 }
 
+/* A modelling library writes a variable called end, int, bin or general at
+ * the start of a bounds line; a relation, "free", a sign or a weight after
+ * the word makes it the name it is. */
+TEST(LpRead, KeywordsFollowedByARelationAreNames) {
+    Read r;
+    ASSERT_EQ(r.lp("Maximize\n obj: bin + end + general + int + semi + x\nSubject To\n"
+                   " c1: x + end <= 10\nend + int - x >= -20\nBounds\nbin <= 2\nend <= 3\n"
+                   "general = 4\nint >= -5\nsemi free\nbounds <= 1\nSOS\n s1: S1:: x:1\n"
+                   "end:2 int:3\nEnd\n"),
+              0)
+        << r.te.err;
+    ASSERT_EQ(r.m.nrows, 2);
+    EXPECT_EQ(r.coef(1, r.col("end")), 1.0);
+    EXPECT_EQ(r.m.ub[r.col("bin")], 2.0);
+    EXPECT_EQ(r.m.ub[r.col("end")], 3.0);
+    EXPECT_EQ(r.m.lb[r.col("general")], 4.0);
+    EXPECT_EQ(r.m.lb[r.col("int")], -5.0);
+    EXPECT_EQ(r.m.lb[r.col("semi")], -TRV_INF);
+    EXPECT_EQ(r.m.numsosnz, 3);
+    EXPECT_EQ(r.m.sosind[1], r.col("end"));
+    EXPECT_EQ(r.te.warn, "Line 12: Name 'bounds' does not exist.\n");
+    ASSERT_EQ(r.lp("min: x +\n max + 2 y\nst\n c1: x + y + max >= 1\nend\n"), 0) << r.te.err;
+    EXPECT_EQ(r.m.obj[r.col("max")], 1.0);
+    EXPECT_EQ(r.m.objsen, 1);
+    /* where the keyword must stand, a column of its name is mentioned */
+    ASSERT_EQ(r.lp("min: x + end + int\nst\n c1: x + end + int >= 1\ngenerals\n x\n end\n"), 0);
+    EXPECT_EQ(r.te.warn,
+              "Warning, line 6: 'end' taken as a keyword, not as the column of that name.\n");
+    EXPECT_EQ(r.m.ctype[r.col("end")], 'C');
+    ASSERT_EQ(r.lp("min: x + int\nst\n c1: x + int >= 1\nint x\nend\n"), 0);
+    EXPECT_TRUE(
+        r.said("Warning, line 4: 'int' taken as a keyword, not as the column of that name.\n"));
+    EXPECT_EQ(r.m.ctype[r.col("x")], 'B');
+}
+
 TEST(LpRead, ZeroCoefficientsDropButTheColumnStays) {
     Read r;
     ASSERT_EQ(r.lp("min: x\nst\n 0 y + x - x + z >= 1\nend\n"), 0);
