@@ -36,6 +36,12 @@ std::string file_of(const std::string &name, const std::string &text) {
     return path;
 }
 
+int count_of(const std::string &text, const std::string &what) {
+    int n = 0;
+    for (size_t p = 0; (p = text.find(what, p)) != std::string::npos; p += what.size()) n++;
+    return n;
+}
+
 /* Reads the file into a new problem and solves it by the given method
  * (1 primal, 2 dual); the objective, or NaN when there is none. */
 double solve_file(TestEnv &te, const std::string &path, int method) {
@@ -142,4 +148,54 @@ TEST(LpElsewhere, ModellingLibraryWithKeywordNames) {
         "semi <= 6\n"
         "End\n");
     EXPECT_EQ(expect_optimum(path, 20.0), "");
+}
+
+/* A model of bounds only, with an empty constraint section. clp: 7. */
+TEST(LpElsewhere, EmptyConstraintSection) {
+    std::string path = file_of("bounds.lp",
+        "Maximize\n obj: x + 2 y\nSubject To\nBounds\n x <= 3\n 1 <= y <= 2\nEnd\n");
+    EXPECT_EQ(expect_optimum(path, 7.0), "");
+}
+
+/* Two variables of one name in a row: the coefficients add, with a word.
+ * glpsol on "c1: 2 x + y <= 4": 10 (11 if one x were dropped). */
+TEST(LpElsewhere, OneNameTwiceInARowIsAddedAndSaid) {
+    std::string path = file_of("twice.lp",
+        "Maximize\n obj: 2 x + 3 y\nSubject To\n c1: x + y + x <= 4\n c2: y <= 3\nEnd\n");
+    std::string warn = expect_optimum(path, 10.0);
+    EXPECT_EQ(warn,
+              "Warning:  Column 'x' appears more than once in row 'c1'; its coefficients are "
+              "added.\n");
+}
+
+/* INTEGERS without bounds of its own is binary, as the format reads it;
+ * other programs mean a general integer there, so each read says so, once
+ * for each of the first five and a count for the rest. */
+TEST(LpElsewhere, IntegersWithoutBoundsAreBinaryAndSaid) {
+    std::string text = "Maximize\n obj: x1 + x2 + x3 + x4 + x5 + x6 + x7\nSubject To\n"
+                       " c1: x1 + x2 + x3 + x4 + x5 + x6 + x7 <= 20\nBounds\n x7 <= 8\n"
+                       "Integers\n x1 x2 x3 x4 x5 x6 x7\nEnd\n";
+    std::string path = file_of("ints.lp", text);
+    TestEnv te;
+    double obj = solve_file(te, path, 2);
+    EXPECT_NEAR(obj, 14.0, 1e-9); /* six binaries and x7 <= 8 */
+    for (int k = 1; k <= 5; k++)
+        EXPECT_EQ(count_of(te.warn, "Integer variable 'x" + std::to_string(k) + "' has no bounds"),
+                  1);
+    EXPECT_EQ(count_of(te.warn, "'x6'"), 0);
+    EXPECT_EQ(count_of(te.warn, "'x7'"), 0);
+    EXPECT_EQ(count_of(te.warn, "1 integer-as-binary warnings not printed.\n"), 1);
+}
+
+/* A row name holding '>' is refused with the name and its line. */
+TEST(LpElsewhere, RowNameWithASenseIsRefusedByName) {
+    std::string path = file_of("gt.lp",
+        "Minimize\n obj: x + y\nSubject To\n c1: x + y >= 1\n flow>0: x - y >= 0\nEnd\n");
+    TestEnv te;
+    int status = 0;
+    TRVlp lp = TRVcreateprob(te.env, &status, "gt");
+    ASSERT_NE(lp, nullptr);
+    EXPECT_EQ(TRVreadcopyprob(te.env, lp, path.c_str(), nullptr), 1617);
+    EXPECT_EQ(te.err, "TORVA Error  1617: Line 5: 'flow>0' not valid identifier.\n");
+    TRVfreeprob(te.env, &lp);
 }

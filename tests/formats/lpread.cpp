@@ -138,6 +138,55 @@ TEST(LpRead, KeywordsFollowedByARelationAreNames) {
     EXPECT_EQ(r.m.ctype[r.col("x")], 'B');
 }
 
+/* What the format says but other programs do not mean is told, once and
+ * counted: integers without bounds become binary, a name repeated in a row
+ * adds its coefficients. */
+TEST(LpRead, QuietDeviationsAreToldOnceAndCounted) {
+    Read r;
+    ASSERT_EQ(r.lp("min: - a - b - c - d - e1 - f - g + a\nst\n c1: a + b + 2 c + c + d <= 9\n"
+                   " c2: e1 + f + g + g - g <= 9\nbounds\n g <= 5\n"
+                   "integers\n a b c d e1 f g\nend\n"),
+              0)
+        << r.te.err;
+    const char *hint = "' has no bounds of its own and is taken as binary; list it under "
+                       "GENERALS or bound it for a general integer.\n";
+    std::string want = "Warning:  Column 'a' appears more than once in row 'obj'; its "
+                       "coefficients are added.\n";
+    for (const char *n : {"a", "b", "c", "d", "e1"})
+        want += std::string("Warning:  Integer variable '") + n + hint;
+    want += "1 integer-as-binary warnings not printed.\n";
+    want += "Warning:  Column 'c' appears more than once in row 'c1'; its coefficients are "
+            "added.\n";
+    want += "Warning:  Column 'g' appears more than once in row 'c2'; its coefficients are "
+            "added.\n";
+    want += "Warning:  Column 'g' appears more than once in row 'c2'; its coefficients are "
+            "added.\n";
+    EXPECT_EQ(r.te.warn, want);
+    EXPECT_EQ(r.m.ub[r.col("f")], 1.0);
+    EXPECT_EQ(r.m.ctype[r.col("g")], 'I'); /* bounded: a general integer */
+    EXPECT_EQ(r.m.ub[r.col("g")], 5.0);
+    EXPECT_EQ(r.m.obj[r.col("a")], 0.0);
+    EXPECT_EQ(r.coef(0, r.col("c")), 3.0);
+    EXPECT_EQ(r.coef(1, r.col("g")), 1.0);
+    /* a reader without integers changes no bound and says nothing of it */
+    ASSERT_EQ(r.lp("min: x\nst\n c1: x >= 0\nint\n x\nend\n", 0), 0);
+    EXPECT_EQ(r.te.warn, "");
+}
+
+/* A constraint section may be empty: a model of bounds only. */
+TEST(LpRead, EmptyConstraintSection) {
+    Read r;
+    ASSERT_EQ(r.lp("max: x + 2 y\nsubject to\n\nbounds\n x <= 3\n 1 <= y <= 2\nend\n"), 0)
+        << r.te.err;
+    EXPECT_EQ(r.m.nrows, 0);
+    EXPECT_EQ(r.m.ncols, 2);
+    EXPECT_EQ(r.m.ub[r.col("y")], 2.0);
+    ASSERT_EQ(r.lp("min: x\nst\nend\n"), 0) << r.te.err;
+    EXPECT_EQ(r.m.nrows, 0);
+    ASSERT_EQ(r.lp("min: x\nst\ngenerals\n x\nend\n"), 0) << r.te.err;
+    EXPECT_EQ(r.m.ctype[0], 'I');
+}
+
 TEST(LpRead, ZeroCoefficientsDropButTheColumnStays) {
     Read r;
     ASSERT_EQ(r.lp("min: x\nst\n 0 y + x - x + z >= 1\nend\n"), 0);
@@ -290,6 +339,11 @@ INSTANTIATE_TEST_SUITE_P(
         BadLp{"min: [ x + y ]\nend\n", 1614, "Line 1: Expected ^ or *"},
         BadLp{"min: [ x * 2 ]\nend\n", 1609, "Line 1: Expected identifier first"},
         BadLp{"min: 3 + x\nend\n", 1616, "Line 1: Expected identifier, found '+'"},
+        BadLp{"min: x\nst\n c>1: x >= 2\nend\n", 1617, "Line 3: 'c>1' not valid identifier"},
+        BadLp{"min: x\nst\n flow>=a_1: x >= 2\nend\n", 1617,
+              "Line 3: 'flow>=a_1' not valid identifier"},
+        BadLp{"min: x\nst\n c1: x >= 2\n c<-3: x <= 4\nend\n", 1617,
+              "Line 4: 'c<-3' not valid identifier"},
         BadLp{"min: .e5x\nend\n", 1618, "Line 1: Exponent '.e5x' not started with number"},
         BadLp{"min: 2e + x\nend\n", 1618, "Line 1: Exponent '2e' not ended with number"},
         BadLp{"min: x\nbounds\n x 3\nend\n", 1621, "Line 3: No bound sense"},
