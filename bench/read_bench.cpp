@@ -7,7 +7,14 @@
  * on the path, it reads the same MPS files in the same run as a peer: its
  * time is the wall time of "clp file -quit" less that of a bare "clp
  * -quit", and the ratio peer / ours is printed. The compressed files are
- * also read once through the gzip pipe. */
+ * also read once through the gzip pipe.
+ *
+ * Last, a model with generated names (rows R0000001, ..., columns C0000001,
+ * ...; N of each, 1,500,000 unless "--names N" says otherwise, 0 skips it)
+ * is written to the scratch folder as free MPS and as LP and read once in
+ * each form: names that differ only in their last digits are what a weak
+ * name hash crowds into few buckets. clp reads the MPS file and glpsol the
+ * LP file as peers, where they are on the path. */
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
@@ -40,16 +47,52 @@ double wall_of(const std::string &cmd) {
     return now() - t;
 }
 
+/* n rows and n columns: column j has 1 in the objective and in rows j and
+ * j + 1 (the last one in row 1); every row is ">= 1". */
+void write_generated(const std::string &mps, const std::string &lp, long n) {
+    FILE *f = std::fopen(mps.c_str(), "w");
+    std::fprintf(f, "NAME GENNAMES\nROWS\n N obj\n");
+    for (long i = 1; i <= n; i++) std::fprintf(f, " G R%07ld\n", i);
+    std::fprintf(f, "COLUMNS\n");
+    for (long j = 1; j <= n; j++)
+        std::fprintf(f, " C%07ld obj 1 R%07ld 1\n C%07ld R%07ld 1\n", j, j, j, j % n + 1);
+    std::fprintf(f, "RHS\n");
+    for (long i = 1; i <= n; i++) std::fprintf(f, " rhs R%07ld 1\n", i);
+    std::fprintf(f, "ENDATA\n");
+    std::fclose(f);
+    f = std::fopen(lp.c_str(), "w");
+    std::fprintf(f, "Minimize\n obj:");
+    for (long j = 1; j <= n; j++) std::fprintf(f, j % 8 == 0 ? " + C%07ld\n" : " + C%07ld", j);
+    std::fprintf(f, "\nSubject To\n");
+    for (long i = 1; i <= n; i++)
+        std::fprintf(f, " R%07ld: C%07ld + C%07ld >= 1\n", i, i, i == 1 ? n : i - 1);
+    std::fprintf(f, "End\n");
+    std::fclose(f);
+}
+
+double read_once(TRVenv env, const std::string &path, bool lp) {
+    read_model rm;
+    double t = now();
+    int s = lp ? lp_read(env, path.c_str(), 0, &rm) : mps_read(env, path.c_str(), 0, &rm);
+    t = now() - t;
+    if (s != 0) std::printf("  %s: status %d\n", path.c_str(), s);
+    rm_free(&rm);
+    return t;
+}
+
 }  // namespace
 
 int main(int argc, char **argv) {
     const char *e = std::getenv("TRV_DATA_DIR");
     std::string data = e != nullptr && *e ? e : TRV_DATA_DIR;
-    if (argc > 1) data = argv[1];
-    if (!fs::is_directory(data)) {
-        std::printf("no data folder at %s\n", data.c_str());
-        return 0;
+    long gen = 1500000;
+    for (int a = 1; a < argc; a++) {
+        if (std::strcmp(argv[a], "--names") == 0 && a + 1 < argc)
+            gen = std::atol(argv[++a]);
+        else
+            data = argv[a];
     }
+    if (!fs::is_directory(data)) std::printf("no data folder at %s\n", data.c_str());
     int status = 0;
     TRVenv env = TRVopenTORVA(&status);
     std::string scratch = (fs::temp_directory_path() / ("trvbench" + std::to_string(getpid()))).string();
@@ -63,10 +106,12 @@ int main(int argc, char **argv) {
             if (t < peer_base) peer_base = t;
         }
     }
-    std::printf("%-8s %6s %9s %9s %9s %10s %9s\n", "folder", "files", "MB", "MB/s", "gz MB/s",
-                "peer MB/s", "ratio");
+    if (fs::is_directory(data))
+        std::printf("%-8s %6s %9s %9s %9s %10s %9s\n", "folder", "files", "MB", "MB/s",
+                    "gz MB/s", "peer MB/s", "ratio");
     double all_bytes = 0, all_time = 0;
     for (const char *folder : {"netlib", "miplib3", "infeas", "lp"}) {
+        if (!fs::is_directory(data)) break;
         std::string dir = data + "/" + folder;
         if (!fs::is_directory(dir)) continue;
         std::vector<Model> models;
@@ -125,7 +170,29 @@ int main(int argc, char **argv) {
         all_bytes += bytes;
         all_time += best;
     }
-    std::printf("%-8s %6s %9.2f %9.1f\n", "total", "", all_bytes / 1e6, all_bytes / 1e6 / all_time);
+    if (all_time > 0)
+        std::printf("%-8s %6s %9.2f %9.1f\n", "total", "", all_bytes / 1e6,
+                    all_bytes / 1e6 / all_time);
+    if (gen > 0) {
+        std::string mps = scratch + "/gennames.mps", lp = scratch + "/gennames.lp";
+        write_generated(mps, lp, gen);
+        double tm = read_once(env, mps, false), tl = read_once(env, lp, true);
+        double pm = -1, pl = -1;
+        if (peer) pm = wall_of("clp '" + mps + "' -quit > /dev/null 2>&1") - peer_base;
+        if (std::system("glpsol --version > /dev/null 2>&1") == 0)
+            pl = wall_of("glpsol --lp '" + lp + "' --check > /dev/null 2>&1");
+        std::printf("\ngenerated names, %ld rows and %ld columns:\n", gen, gen);
+        std::printf("%-8s %9s %9s %9s\n", "form", "MB", "seconds", "peer s");
+        for (int k = 0; k < 2; k++) {
+            const std::string &path = k == 0 ? mps : lp;
+            double t = k == 0 ? tm : tl, p = k == 0 ? pm : pl;
+            char ps[32] = "-";
+            if (p >= 0) std::snprintf(ps, sizeof ps, "%.2f", p);
+            std::printf("%-8s %9.1f %9.2f %9s\n", k == 0 ? "mps" : "lp",
+                        static_cast<double>(fs::file_size(path)) / 1e6, t, ps);
+        }
+        std::printf("generated names: mps %.2f s, lp %.2f s\n", tm, tl);
+    }
     fs::remove_all(scratch);
     TRVcloseTORVA(&env);
     return 0;

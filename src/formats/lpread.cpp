@@ -102,8 +102,10 @@ int cut_name(lp_state *st, const char *b, int len) {
     return RW_NAMELEN;
 }
 
-/* A name that would read as an exponent: "e", "E", "e1", ... Behind an
- * explicit sign or a coefficient it cannot be one, and is taken as a name. */
+/* A name that looks like an exponent: "e", "E", "e1", ... It cannot be
+ * read as a number (an exponent needs digits before it), so it is a name
+ * wherever a name may stand; only where the name must already exist and
+ * does not is it told apart from a misplaced number. */
 bool exponent_like(const char *b, int len) {
     return (b[0] == 'e' || b[0] == 'E') && (len == 1 || (b[1] >= '0' && b[1] <= '9'));
 }
@@ -124,8 +126,8 @@ int column(lp_state *st, const char *b, int len, int *col) {
 }
 
 int find_column(const lp_state *st, const char *b, int len) {
-    unsigned bucket;
-    return namehash_lookup_n(st->cols->index, b, static_cast<size_t>(len), &bucket);
+    unsigned word;
+    return namehash_lookup_n(st->cols->index, b, static_cast<size_t>(len), &word);
 }
 
 int number_error(lp_state *st, int code, const char *b, const char *end) {
@@ -209,11 +211,35 @@ bool number_ahead(const lp_state *st, const char *p, const char *end) {
     return p < end && (cls_of(st, *p) & LPC_DIGIT);
 }
 
+/* A right-hand side that runs into a colon: "c>1: x + y >= 2" or
+ * "c>a: ...". The row began with a name that holds a sense character, and
+ * what was taken for its sense is part of it; the whole name is the bad
+ * token. Null when the row did not begin so on this line. */
+const char *sense_in_row_name(const lp_state *st, const char *p, const char *end) {
+    if (P.rowpos < 0) return nullptr;
+    const char *b = st->cbuf + P.rowpos;
+    if (!(cls_of(st, *b) & LPC_NAME)) return nullptr;
+    for (const char *q = b; q < p; q++)
+        if (cls_of(st, *q) & (LPC_SIGN | LPC_QUAD)) return nullptr; /* terms, not one name */
+    if (p < end && (cls_of(st, *p) & LPC_SIGN)) p++;
+    while (p < end && *p != ':' &&
+           (!(cls_of(st, *p) & LPC_DELIM) || (cls_of(st, *p) & LPC_SENSE)))
+        p++;
+    return p < end && *p == ':' ? p : nullptr;
+}
+
 int read_rhs(lp_state *st, const char **pp, const char *end) {
-    if (!number_ahead(st, *pp, end)) return env_error(st->env, 1610, st->lineno);
+    const char *colon = sense_in_row_name(st, *pp, end);
+    const char *name = st->cbuf + P.rowpos;
+    if (!number_ahead(st, *pp, end)) {
+        if (colon != nullptr) return bad_identifier(st, name, static_cast<int>(colon - name));
+        return env_error(st->env, 1610, st->lineno);
+    }
     double v;
     int status = read_coef(st, pp, end, &v);
     if (status != 0) return status;
+    if (*pp < end && **pp == ':' && colon != nullptr)
+        return bad_identifier(st, name, static_cast<int>(colon - name));
     return end_row(st, v);
 }
 
@@ -265,7 +291,6 @@ int name_token(lp_state *st, const char **pp, const char *end) {
         return 0;
     }
     if (P.phase == RP_AFTER && !P.havesign && !P.havecoef) return expect_op(st, *b);
-    if (exponent_like(b, len) && !P.havesign && !P.havecoef) return bad_identifier(st, b, len);
     len = cut_name(st, b, len);
     int col, status = column(st, b, len, &col);
     if (status != 0) return status;
@@ -309,7 +334,6 @@ int quad_step(lp_state *st, const char **pp, const char *end) {
         if (k & LPC_NAME) {
             const char *e = name_end(st, p, end);
             int len = static_cast<int>(e - p);
-            if (exponent_like(p, len)) return bad_identifier(st, p, len);
             int status = column(st, p, cut_name(st, p, len), &P.qcol);
             *pp = e;
             P.quad = Q_OP;
@@ -341,7 +365,6 @@ int quad_step(lp_state *st, const char **pp, const char *end) {
         if (!(k & LPC_NAME)) return env_error(st->env, 1609, st->lineno);
         const char *e = name_end(st, p, end);
         int len = static_cast<int>(e - p);
-        if (exponent_like(p, len)) return bad_identifier(st, p, len);
         int col, status = column(st, p, cut_name(st, p, len), &col);
         if (status != 0) return status;
         *pp = e;
@@ -367,6 +390,7 @@ int quad_step(lp_state *st, const char **pp, const char *end) {
 
 int expr_line(lp_state *st, const char *p, const char *end) {
     bool obj = in_objective(st);
+    P.rowpos = -1;
     while (p < end) {
         char c = *p;
         unsigned short k = cls_of(st, c);
@@ -375,6 +399,8 @@ int expr_line(lp_state *st, const char *p, const char *end) {
             p++;
             continue;
         }
+        if (!P.inrow && P.phase == RP_START && !P.havesign && !P.havecoef)
+            P.rowpos = static_cast<int>(p - st->cbuf);
         if (P.quad != Q_OFF) {
             status = quad_step(st, &p, end);
         } else if (P.phase == RP_RHS) {
@@ -465,20 +491,26 @@ int bound_value(lp_state *st, const char **pp, const char *end, double *v) {
     return 0;
 }
 
-/* A name of the bound line that must exist: its column, or -1 after the
- * warning. */
+/* A name of the bound, integer or set lines, which must exist: its column,
+ * or -1 after a warning. A name that looks like an exponent is the column
+ * of that name; only where there is none is it taken for a misplaced
+ * number. */
 int bound_column(lp_state *st, const char *b, int len) {
     char tok[RW_NAMELEN + 1];
     int n = len > RW_NAMELEN ? RW_NAMELEN : len;
     std::memcpy(tok, b, n);
     tok[n] = '\0';
-    if (len > 0 && (!(cls_of(st, b[0]) & LPC_NAME) || exponent_like(b, len))) {
+    if (len > 0 && !(cls_of(st, b[0]) & LPC_NAME)) {
         TRVmsg(st->env->warnchannel, "Line %d: '%s' not valid identifier.\n", st->lineno, tok);
         return -1;
     }
     int j = find_column(st, b, n);
-    if (j < 0) TRVmsg(st->env->warnchannel, "Line %d: Name '%s' does not exist.\n", st->lineno, tok);
-    return j;
+    if (j >= 0) return j;
+    if (len > 0 && exponent_like(b, len))
+        TRVmsg(st->env->warnchannel, "Line %d: '%s' not valid identifier.\n", st->lineno, tok);
+    else
+        TRVmsg(st->env->warnchannel, "Line %d: Name '%s' does not exist.\n", st->lineno, tok);
+    return -1;
 }
 
 /* The bound that a sense sets: "x <= v" an upper one, "v <= x" a lower one. */
@@ -663,6 +695,7 @@ int leave_section(lp_state *st) {
         P.quad = Q_OFF;
         clear_term(st);
         P.phase = RP_START;
+        P.inrow = false; /* an empty constraint section may follow */
         return 0;
     }
     if (P.section >= LPS_ROWS && P.section <= LPS_LAZY && (P.inrow || P.havesign || P.havecoef))
@@ -744,6 +777,17 @@ int read_lines(lp_state *st, rw_input *in) {
 
 /* ---- the model ---------------------------------------------------------------------- */
 
+/* A column named twice in one row: its coefficients are added, which is
+ * what the format says, but two columns of one name in another program's
+ * model would come out as one here. */
+void repeated_column(lp_state *st, int j, const char *row) {
+    if (++st->repwarn <= 5)
+        TRVmsg(st->env->warnchannel,
+               "Warning:  Column '%.255s' appears more than once in row '%.255s'; its "
+               "coefficients are added.\n",
+               nameset_name(st->cols, j), row);
+}
+
 /* Bounds, then the integer declarations, in the order of the file. */
 int assemble_columns(lp_state *st, read_model *m) {
     TRVenv env = st->env;
@@ -761,7 +805,13 @@ int assemble_columns(lp_state *st, read_model *m) {
         return 1001;
     }
     for (int j = 0; j < space; j++) m->ub[j] = TRV_INF, ct[j] = 'C';
-    for (int k = 0; k < P.nobj; k++) m->obj[st->ocol[k]] += st->oval[k];
+    for (int k = 0; k < P.nobj; k++) {
+        int j = st->ocol[k];
+        if (hasbnd[j]) repeated_column(st, j, P.objnamed ? st->objname : "obj");
+        hasbnd[j] = 1;
+        m->obj[j] += st->oval[k];
+    }
+    std::memset(hasbnd, 0, space);
     for (int k = 0; k < P.nbnd; k++) {
         int j = st->bcol[k];
         double v = st->bval[k];
@@ -798,6 +848,13 @@ int assemble_columns(lp_state *st, read_model *m) {
             if (hasbnd[j]) {
                 t = m->lb[j] == 0.0 && m->ub[j] == 1.0 ? 'B' : 'I';
             } else {
+                /* other programs mean a general integer here: say so */
+                if (ints && t != 'B' && ++st->binwarn <= 5)
+                    TRVmsg(env->warnchannel,
+                           "Warning:  Integer variable '%.255s' has no bounds of its own and is "
+                           "taken as binary; list it under GENERALS or bound it for a general "
+                           "integer.\n",
+                           nameset_name(st->cols, j));
                 t = 'B';
                 if (ints) m->ub[j] = 1.0;
             }
@@ -805,6 +862,8 @@ int assemble_columns(lp_state *st, read_model *m) {
         }
     }
     for (int j = 0; j < n; j++) m->nints += ct[j] != 'C';
+    if (st->binwarn > 5)
+        TRVmsg(env->warnchannel, "%d integer-as-binary warnings not printed.\n", st->binwarn - 5);
     trv_free(&hasbnd);
     if (binwarn)
         TRVmsg(env->warnchannel,
@@ -849,9 +908,16 @@ int collect_rows(lp_state *st, int kind, int *mark, char (*defname)[16], kind_ro
     for (int r = 0; r < P.nrows; r++) {
         if (st->rkind[r] != kind) continue;
         k->beg[i] = nz;
+        if (st->rname[r] >= 0) {
+            k->names[i] = nameset_name(st->rnames, st->rname[r]);
+        } else {
+            std::snprintf(defname[r], sizeof defname[r], "c%d", r + 1);
+            k->names[i] = defname[r];
+        }
         for (int e = st->rowbeg[r]; e < st->rowbeg[r + 1]; e++) {
             int j = st->ecol[e];
             if (mark[j] >= k->beg[i]) {
+                repeated_column(st, j, k->names[i]);
                 k->val[mark[j]] += st->eval[e];
             } else {
                 mark[j] = nz;
@@ -867,12 +933,6 @@ int collect_rows(lp_state *st, int kind, int *mark, char (*defname)[16], kind_ro
         nz = out;
         k->rhs[i] = st->rrhs[r];
         k->sense[i] = st->rsense[r];
-        if (st->rname[r] >= 0) {
-            k->names[i] = nameset_name(st->rnames, st->rname[r]);
-        } else {
-            std::snprintf(defname[r], sizeof defname[r], "c%d", r + 1);
-            k->names[i] = defname[r];
-        }
         i++;
     }
     k->beg[cnt] = nz;
@@ -975,6 +1035,8 @@ int assemble(lp_state *st, read_model *m) {
     for (int j = 0; j < P.ncols && status == 0; j++) mark[j] = -1;
     for (int kind = 0; kind < 3 && status == 0; kind++)
         status = collect_rows(st, kind, mark, defname, &k[kind]);
+    if (st->repwarn > 5)
+        TRVmsg(env->warnchannel, "%d repeated column warnings not printed.\n", st->repwarn - 5);
     if (status == 0) status = assemble_matrix(st, &k[0], m);
     for (int kind = 1; kind < 3 && status == 0; kind++)
         if (k[kind].n > 0) status = assemble_cuts(&k[kind], kind - 1, m);
@@ -1021,6 +1083,8 @@ int lp_read(TRVenv env, const char *filename, int want, read_model *m) {
         in.bylines = st->interactive;
         if (status == 0) status = tables_init(st);
         if (status == 0) status = read_lines(st, &in);
+        if (st->kwwarn > 5)
+            TRVmsg(env->warnchannel, "%d keyword warnings not printed.\n", st->kwwarn - 5);
         if (st->truncwarn > 20)
             TRVmsg(env->warnchannel, "%d truncation warning messages not printed.\n",
                    st->truncwarn - 20);

@@ -211,6 +211,69 @@ static bool two_word_head(const char *w, int len) {
            word_eq(w, len, "lazy");
 }
 
+/* Past blanks, not past the end of the line. */
+static const char *skip_blanks(const lp_state *st, const char *q, const char *end) {
+    while (q < end && (st->cls[static_cast<unsigned char>(*q)] & LPC_SPACE) &&
+           !(st->cls[static_cast<unsigned char>(*q)] & LPC_EOL))
+        q++;
+    return q;
+}
+
+static bool line_ends(const lp_state *st, const char *q, const char *end) {
+    return q == end || (st->cls[static_cast<unsigned char>(*q)] & LPC_EOL);
+}
+
+static bool number_start(const lp_state *st, char c) {
+    return (st->cls[static_cast<unsigned char>(c)] & (LPC_SIGN | LPC_DIGIT)) || c == '.';
+}
+
+/* A keyword word that begins a line may be a column's name: "end <= 3",
+ * "int >= 2", "bin free" in the bounds, "end:2" in a set, "end + x >= 1"
+ * in a row. True when what follows the word on its line can only go with a
+ * name: a relation; a sign or a number after End, the integer words or a
+ * sense word inside the objective, none of which takes one; the word
+ * "free" in the bounds; a colon and a weight in the sets. The sense words
+ * that open the file always stand. */
+static bool keyword_is_name(const lp_state *st, int code, const char *q, const char *end) {
+    int section = st->p.section;
+    if (section == LPS_START) return false;
+    q = skip_blanks(st, q, end);
+    if (line_ends(st, q, end)) return false;
+    if (st->cls[static_cast<unsigned char>(*q)] & LPC_SENSE) return true;
+    bool takes_none = code == LPS_END || code == LPS_MIN || code == LPS_MAX ||
+                      (code >= LPS_INT && code <= LPS_SEMI);
+    if (takes_none && number_start(st, *q)) return true;
+    if (section == LPS_BOUNDS) {
+        const char *e = q;
+        while (!line_ends(st, e, end) && !(st->cls[static_cast<unsigned char>(*e)] & LPC_SPACE))
+            e++;
+        return word_eq(q, static_cast<int>(e - q), "free") &&
+               line_ends(st, skip_blanks(st, e, end), end);
+    }
+    if (section == LPS_SOS && *q == ':') {
+        q = skip_blanks(st, q + 1, end);
+        return q < end && number_start(st, *q);
+    }
+    return false;
+}
+
+/* A keyword that stands though a column has its name is said, since the
+ * line might have meant the column: where text follows the word, or the
+ * section is a list of names. */
+static void keyword_over_name(lp_state *st, const char *word, int len, const char *q,
+                              const char *end) {
+    if (st->cols == nullptr || st->cols->index == nullptr) return;
+    int section = st->p.section;
+    bool list = section == LPS_SOS || (section >= LPS_INT && section <= LPS_SEMI);
+    if (line_ends(st, skip_blanks(st, q, end), end) && !list) return;
+    unsigned w;
+    if (namehash_lookup_n(st->cols->index, word, static_cast<size_t>(len), &w) < 0) return;
+    if (++st->kwwarn <= 5)
+        TRVmsg(st->env->warnchannel,
+               "Warning, line %d: '%.255s' taken as a keyword, not as the column of that name.\n",
+               st->lineno, word);
+}
+
 int lp_getline(lp_state *st, rw_input *in) {
     for (;;) {
         int n = read_raw(st, in);
@@ -230,6 +293,8 @@ int lp_getline(lp_state *st, rw_input *in) {
         int wlen;
         const char *q = first_word(st, p, end, word, &wlen);
         int code = lp_keyword(word, wlen, state);
+        if (code != 0 && keyword_is_name(st, code, q, end)) code = 0;
+        if (code != 0) keyword_over_name(st, word, wlen, q, end);
         if (code == 0 && two_word_head(word, wlen)) {
             const char *r = q;
             while (r < end && (st->cls[static_cast<unsigned char>(*r)] & LPC_SPACE) &&

@@ -54,6 +54,7 @@ struct lp_parse {
     bool qhavecoef;
     char sense;
     int rowname; /* name index of the row being read, or -1 */
+    int rowpos;  /* where the row began in the compact line, -1 on an earlier line */
     /* sets */
     bool sosopen;
     /* counts of the tables */
@@ -78,6 +79,9 @@ struct lp_state {
     int lastcode;
     int objsense;
     int truncwarn;
+    int kwwarn;   /* keywords taken over a column's name */
+    int repwarn;  /* a column repeated in a row */
+    int binwarn;  /* integers without bounds taken as binary */
     /* tables */
     nameset *cols;
     nameset *rnames;  /* row names given in the file */

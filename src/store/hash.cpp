@@ -2,11 +2,14 @@
  * hash.cpp - the hash index of names, the sorted index that the readers use
  * against a plain name store, and the name lookups of a loaded model.
  *
- * A name hashes to the XOR of its bytes, each shifted left by 8 times its
- * position modulo 4; the bucket is that word modulo the table size. Chains
+ * A name hashes by FNV-1a over its bytes, with a final mix that spreads
+ * the last bytes over the whole word; the bucket is that word modulo the
+ * table size. Generated names (C0000001, C0000002, ...) that differ only in
+ * a few trailing digits thus fill the buckets evenly. Chains
  * are singly linked through the entries, newest first, so the entries added
  * last can be taken out again in reverse order (the readers' rollback).
  */
+#include <cstdint>
 #include <cstring>
 
 #include "store/lp.h"
@@ -18,16 +21,22 @@ int namehash_size(int capacity) {
     return static_cast<int>(n);
 }
 
-static unsigned hash_word(const char *text, size_t len) {
-    unsigned h = 0;
-    for (size_t p = 0; p < len; p++)
-        h ^= static_cast<unsigned>(static_cast<unsigned char>(text[p]))
-             << (8 * (p & 3));
+unsigned namehash_word(const char *text, size_t len) {
+    std::uint32_t h = 2166136261u;
+    for (size_t p = 0; p < len; p++) {
+        h ^= static_cast<unsigned char>(text[p]);
+        h *= 16777619u;
+    }
+    h ^= h >> 16;
+    h *= 0x85ebca6bu;
+    h ^= h >> 13;
+    h *= 0xc2b2ae35u;
+    h ^= h >> 16;
     return h;
 }
 
 unsigned namehash_fn(const char *text, int nbuckets) {
-    return hash_word(text, std::strlen(text)) % static_cast<unsigned>(nbuckets);
+    return namehash_word(text, std::strlen(text)) % static_cast<unsigned>(nbuckets);
 }
 
 static bool name_eq(const char *a, const char *b) {
@@ -38,7 +47,7 @@ namehash *namehash_new(int capacity, int *status_p) {
     if (capacity < 1) capacity = 1;
     namehash *h = trv_zalloc<namehash>(1);
     if (h != nullptr) {
-        h->hashfn = namehash_fn;
+        h->hashfn = namehash_word;
         h->eqfn = name_eq;
         h->capacity = capacity;
         h->nbuckets = namehash_size(capacity);
@@ -61,28 +70,20 @@ void namehash_free(namehash **h) {
     trv_free(h);
 }
 
+static unsigned bucket_of(const namehash *h, unsigned word) {
+    return word % static_cast<unsigned>(h->nbuckets);
+}
+
 int namehash_find(const namehash *h, const char *key) {
     if (h == nullptr || key == nullptr) return -1;
-    unsigned b = h->hashfn(key, h->nbuckets);
-    for (int e = h->bucket[b]; e != -1; e = h->entry[e].next)
-        if (h->eqfn(h->entry[e].key, key)) return h->entry[e].value;
+    unsigned w = h->hashfn(key, std::strlen(key));
+    for (int e = h->bucket[bucket_of(h, w)]; e != -1; e = h->entry[e].next)
+        if (h->entry[e].hash == w && h->eqfn(h->entry[e].key, key)) return h->entry[e].value;
     return -1;
 }
 
-/* Looks up a text of known length; the stored keys are terminated. */
-static int namehash_findn(const namehash *h, const char *key, size_t len,
-                          unsigned *bucket_p) {
-    unsigned b = hash_word(key, len) % static_cast<unsigned>(h->nbuckets);
-    *bucket_p = b;
-    for (int e = h->bucket[b]; e != -1; e = h->entry[e].next) {
-        const char *k = h->entry[e].key;
-        if ((len == 0 || k[0] == key[0]) && std::memcmp(k, key, len) == 0 && k[len] == '\0')
-            return h->entry[e].value;
-    }
-    return -1;
-}
-
-/* New table size for the capacity: every chain is built again. */
+/* New table size for the capacity: every chain is built again from the
+ * stored hash words. */
 static int namehash_resize(namehash *h, int capacity) {
     if (trv_grow(&h->entry, capacity) != 0) return 1001;
     h->capacity = capacity;
@@ -95,59 +96,65 @@ static int namehash_resize(namehash *h, int capacity) {
     h->nbuckets = nb;
     for (int b = 0; b < nb; b++) bucket[b] = -1;
     for (int e = 0; e < h->count; e++) {
-        unsigned b = h->hashfn(h->entry[e].key, nb);
+        unsigned b = bucket_of(h, h->entry[e].hash);
         h->entry[e].next = bucket[b];
         bucket[b] = e;
     }
     return 0;
 }
 
-static int namehash_push(namehash *h, const char *key, int value, unsigned b) {
+static int namehash_push(namehash *h, const char *key, int value, unsigned word) {
     if (h->count >= h->capacity) {
         long cap = static_cast<long>(h->capacity) * 2;
         if (cap > NAMES_MAXCAP) cap = NAMES_MAXCAP;
         if (cap <= h->count) return 1012;
         int status = namehash_resize(h, static_cast<int>(cap));
         if (status != 0) return status;
-        b = h->hashfn(key, h->nbuckets);
     }
+    unsigned b = bucket_of(h, word);
     name_entry *e = &h->entry[h->count];
     e->key = key;
     e->value = value;
+    e->hash = word;
     e->next = h->bucket[b];
     h->bucket[b] = h->count++;
     return 0;
 }
 
 int namehash_add(namehash *h, const char *key, int value) {
-    return namehash_push(h, key, value, h->hashfn(key, h->nbuckets));
-}
-
-void namehash_rebase(namehash *h, ptrdiff_t delta) {
-    for (int e = 0; e < h->count; e++) h->entry[e].key += delta;
-}
-
-/* Removes the newest entry; it heads its chain. */
-static void namehash_pop(namehash *h) {
-    if (h->count == 0) return;
-    int e = h->count - 1;
-    unsigned b = h->hashfn(h->entry[e].key, h->nbuckets);
-    if (h->bucket[b] == e) h->bucket[b] = h->entry[e].next;
-    h->count--;
+    return namehash_push(h, key, value, h->hashfn(key, std::strlen(key)));
 }
 
 /* ---- the pieces the name set needs from the index ---------------------------- */
 
-int namehash_lookup_n(const namehash *h, const char *key, size_t len,
-                      unsigned *bucket_p) {
-    return namehash_findn(h, key, len, bucket_p);
+/* Looks up a text of known length; the stored keys are terminated. */
+int namehash_lookup_n(const namehash *h, const char *key, size_t len, unsigned *hash_p) {
+    unsigned w = h->hashfn(key, len);
+    *hash_p = w;
+    for (int e = h->bucket[bucket_of(h, w)]; e != -1; e = h->entry[e].next) {
+        if (h->entry[e].hash != w) continue;
+        const char *k = h->entry[e].key;
+        if (std::memcmp(k, key, len) == 0 && k[len] == '\0') return h->entry[e].value;
+    }
+    return -1;
 }
 
-int namehash_push_at(namehash *h, const char *key, int value, unsigned bucket) {
-    return namehash_push(h, key, value, bucket);
+int namehash_push_at(namehash *h, const char *key, int value, unsigned hash) {
+    return namehash_push(h, key, value, hash);
 }
 
-void namehash_drop_last(namehash *h) { namehash_pop(h); }
+/* Removes the newest entry; it heads its chain. */
+void namehash_drop_last(namehash *h) {
+    if (h->count == 0) return;
+    int e = h->count - 1;
+    unsigned b = bucket_of(h, h->entry[e].hash);
+    if (h->bucket[b] == e) h->bucket[b] = h->entry[e].next;
+    h->count--;
+}
+
+void namehash_rekey(namehash *h, char *const *keys) {
+    for (int e = 0; e < h->count; e++) h->entry[e].key = keys[h->entry[e].value];
+}
 
 /* ---- sorted index ---------------------------------------------------------- */
 

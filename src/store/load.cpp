@@ -151,13 +151,16 @@ static int size_guard(const lp_data *d) {
 
 /* ---- capacities -------------------------------------------------------- */
 
-/* Reallocates a name store and moves its pointers along. */
-static int names_grow(char **names, int count, char **store, size_t bytes) {
+/* Moves a name store of oldbytes into a new block of bytes and its
+ * pointers along, while the old block still stands. */
+static int names_grow(char **names, int count, char **store, long oldbytes, long bytes) {
     char *old = *store;
-    char *q = static_cast<char *>(trv_realloc(old, bytes));
+    char *q = trv_alloc<char>(bytes);
     if (q == nullptr) return 1001;
+    std::memcpy(q, old, oldbytes < bytes ? oldbytes : bytes);
     for (int k = 0; k < count; k++)
         if (names[k] != nullptr) names[k] = q + (names[k] - old);
+    trv_free(store);
     *store = q;
     return 0;
 }
@@ -213,6 +216,7 @@ static int grow_nz(lp_data *d, int space) {
 int lp_ensure(TRVenv env, TRVlp lp, int cols, int rows, int nz,
               long colnamebytes, long rownamebytes) {
     lp_data *d = lp->lpdata;
+    if (colnamebytes >= LP_NAMEBYTES_MAX || rownamebytes >= LP_NAMEBYTES_MAX) return 1012;
     if (lp->memmodel == MEM_LOAD) {
         const char *fmt = nullptr;
         long need = 0, have = 0;
@@ -248,12 +252,14 @@ int lp_ensure(TRVenv env, TRVlp lp, int cols, int rows, int nz,
     st = st ? st : grow_nz(d, static_cast<int>(newnz));
     if (!st && colnamebytes > d->colnamespace && d->colnamestore != nullptr) {
         long bytes = colnamebytes + 17L * xc;
-        st = names_grow(d->colname, d->ncols, &d->colnamestore, bytes);
+        if (bytes >= LP_NAMEBYTES_MAX) bytes = colnamebytes; /* no spare room then */
+        st = names_grow(d->colname, d->ncols, &d->colnamestore, d->colnamespace, bytes);
         if (!st) d->colnamespace = static_cast<int>(bytes);
     }
     if (!st && rownamebytes > d->rownamespace && d->rownamestore != nullptr) {
         long bytes = rownamebytes + 17L * xr;
-        st = names_grow(d->rowname, d->nrows, &d->rownamestore, bytes);
+        if (bytes >= LP_NAMEBYTES_MAX) bytes = rownamebytes;
+        st = names_grow(d->rowname, d->nrows, &d->rownamestore, d->rownamespace, bytes);
         if (!st) d->rownamespace = static_cast<int>(bytes);
     }
     return st;
@@ -670,22 +676,29 @@ TRV_EXPORT TRVlp TRVcreateprob(TRVenv env, int *status_p, const char *probname) 
 /* ---- copying a model into a library-owned problem --------------------------- */
 
 /* Bytes of a name list, terminators included. */
-static long name_bytes(int count, char **names) {
+int lp_namestore_bytes(int count, char *const *names, int space, long *bytes_p) {
     long n = 0;
     if (names != nullptr)
-        for (int k = 0; k < count; k++) n += static_cast<long>(std::strlen(names[k])) + 1;
-    return n;
+        for (int k = 0; k < count && n < LP_NAMEBYTES_MAX; k++)
+            n += static_cast<long>(std::strlen(names[k])) + 1;
+    if (space > count) n += 17L * (space - count);
+    *bytes_p = n;
+    return n >= LP_NAMEBYTES_MAX ? 1012 : 0;
 }
 
 /* Packs names into a store with room for 16-character names in the spare
  * slots; the pointer array has space entries. */
 static int names_copy(int count, char **src, int space, char ***names_p,
                       char **store_p, int *bytes_p) {
+    long bytes = 0;
+    if (src != nullptr) {
+        int status = lp_namestore_bytes(count, src, space, &bytes);
+        if (status != 0) return status;
+    }
     trv_free(names_p);
     trv_free(store_p);
     *bytes_p = 0;
     if (src == nullptr) return 0;
-    long bytes = name_bytes(count, src) + 17L * (space - count);
     char **names = trv_zalloc<char *>(space);
     char *store = trv_alloc<char>(bytes);
     if (names == nullptr || store == nullptr) {
@@ -949,11 +962,13 @@ TRV_EXPORT int TRVreallocprob(TRVenv env, TRVlp lp, double **obj_p,
         if (status == 0 && grows) status = grow_rows(d, rowspace);
         if (status == 0 && gnz) status = grow_nz(d, nzspace);
         if (status == 0 && gcn) {
-            status = names_grow(d->colname, d->ncols, &d->colnamestore, colnamespace);
+            status = names_grow(d->colname, d->ncols, &d->colnamestore, d->colnamespace,
+                                colnamespace);
             if (status == 0) d->colnamespace = colnamespace;
         }
         if (status == 0 && grn) {
-            status = names_grow(d->rowname, d->nrows, &d->rownamestore, rownamespace);
+            status = names_grow(d->rowname, d->nrows, &d->rownamestore, d->rownamespace,
+                                rownamespace);
             if (status == 0) d->rownamespace = rownamespace;
         }
         /* Whatever moved, the caller gets the current pointers back. */

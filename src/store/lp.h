@@ -131,6 +131,11 @@ void lp_kinds(lp_data *d);
 int lp_ensure(TRVenv env, TRVlp lp, int cols, int rows, int nz,
               long colnamebytes, long rownamebytes);
 void lp_compress(lp_data *d);
+/* Bytes of a packed name store for count names with room for 16-character
+ * names in the spare slots up to space: 0, or 1012 when the store would
+ * reach 2100000000 bytes. Measured before anything is allocated. */
+#define LP_NAMEBYTES_MAX 2100000000L
+int lp_namestore_bytes(int count, char *const *names, int space, long *bytes_p);
 void lp_updatecap(TRVenv env, lp_data *d);
 void lp_free_records(TRVenv env, TRVlp lp);
 int lp_check_matrix(TRVenv env, int numcols, int numrows, const int *matbeg,

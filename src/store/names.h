@@ -16,11 +16,12 @@
 struct name_entry {
     const char *key; /* the text; owned by whoever fills the index */
     int value;
-    int next; /* next entry of the bucket, -1 ends */
+    int next;      /* next entry of the bucket, -1 ends */
+    unsigned hash; /* the key's full hash word: compared before the text */
 };
 
 struct namehash {
-    unsigned (*hashfn)(const char *text, int nbuckets);
+    unsigned (*hashfn)(const char *text, size_t len); /* the full hash word */
     bool (*eqfn)(const char *a, const char *b);
     int capacity; /* entries */
     int count;
@@ -32,6 +33,8 @@ struct namehash {
 /* Table size for a capacity: 1023, times 7 while the capacity is at least
  * ten times the size and the product stays within the limit. */
 int namehash_size(int capacity);
+/* The hash word of a text, and the bucket of a terminated text. */
+unsigned namehash_word(const char *text, size_t len);
 unsigned namehash_fn(const char *text, int nbuckets);
 namehash *namehash_new(int capacity, int *status_p);
 void namehash_free(namehash **h);
@@ -40,14 +43,14 @@ int namehash_find(const namehash *h, const char *key);
 /* Adds the key (not checked for presence); 0 or 1001. The entry count grows
  * past the capacity with a new table size. */
 int namehash_add(namehash *h, const char *key, int value);
-/* Moves every key pointer by delta bytes after its text store moved. */
-void namehash_rebase(namehash *h, ptrdiff_t delta);
 /* For the name set: lookup of a text of known length that also gives its
- * bucket, an add into a known bucket, and removal of the newest entry. */
+ * hash word, an add with a known hash word, removal of the newest entry,
+ * and new key pointers after the texts moved (entry e takes keys[value]). */
 int namehash_lookup_n(const namehash *h, const char *key, size_t len,
-                      unsigned *bucket_p);
-int namehash_push_at(namehash *h, const char *key, int value, unsigned bucket);
+                      unsigned *hash_p);
+int namehash_push_at(namehash *h, const char *key, int value, unsigned hash);
 void namehash_drop_last(namehash *h);
+void namehash_rekey(namehash *h, char *const *keys);
 
 /* ---- name set --------------------------------------------------------------- */
 

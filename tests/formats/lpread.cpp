@@ -56,14 +56,135 @@ TEST(LpRead, ExponentsAndExponentLikeNames) {
     ASSERT_EQ(r.lp("min: 3e-38x + y\nend\n"), 0);
     EXPECT_EQ(r.m.ncols, 2);
     EXPECT_EQ(r.m.obj[r.col("x")], 0.0);
-    EXPECT_EQ(r.lp("min: e1\nend\n"), -1617);
-    EXPECT_TRUE(r.said("Line 1: 'e1' not valid identifier"));
-    /* behind a sign or a coefficient the name cannot be an exponent */
+    /* an exponent needs digits before it: alone, "e1" and "E" are names */
+    ASSERT_EQ(r.lp("min: e1 + E\nend\n"), 0) << r.te.err;
+    EXPECT_EQ(r.m.obj[r.col("e1")], 1.0);
+    EXPECT_EQ(r.m.obj[r.col("E")], 1.0);
     ASSERT_EQ(r.lp("min: - 10 E11 + E2\nend\n"), 0) << r.te.err;
     EXPECT_EQ(r.m.obj[r.col("E11")], -10.0);
     EXPECT_EQ(r.m.obj[r.col("E2")], 1.0);
+    /* joined to digits the exponent is one: 2e1 x is 20 x */
     ASSERT_EQ(r.lp("min: 2e1x\nend\n"), 0);
     EXPECT_EQ(r.m.obj[0], 20.0);
+}
+
+/* Names like E1COL01, E11, e2 (as netlib models have them) in every place a
+ * name may stand, written without a sign before them. */
+TEST(LpRead, ExponentLikeNamesInEverySection) {
+    Read r;
+    ASSERT_EQ(r.lp("Minimize\n E1COL01 + 2 E2COL01 - E11 + [ E11 ^ 2 + 2 E1COL01 * e2 ]\n"
+                   "Subject To\n E1ROW: E1COL01 + E11 >= 4\n E11: e2 + E3 <= 1\n"
+                   "c3: E11 >= -2\nBounds\n E1COL01 <= 1.5\n 0.5 <= E2COL01 <= 3\n"
+                   " E11 >= -1\n -1 <= e2\n E3 free\n e4 <= 3\n nosuch <= 3\n"
+                   "Generals\n E2COL01 e5\nSOS\n s1: S1:: E11:1 e2:2\nEnd\n"),
+              0)
+        << r.te.err;
+    int a = r.col("E1COL01"), b = r.col("E2COL01"), c = r.col("E11"), d = r.col("e2"),
+        e = r.col("E3");
+    ASSERT_EQ(r.m.ncols, 5);
+    EXPECT_EQ(r.m.obj[a], 1.0);
+    EXPECT_EQ(r.m.obj[c], -1.0);
+    EXPECT_EQ(r.m.qmatval[r.m.qmatbeg[c]], 2.0);
+    EXPECT_EQ(r.coef(1, d), 1.0);
+    EXPECT_STREQ(r.m.rowname[1], "E11");
+    EXPECT_EQ(r.coef(2, c), 1.0);
+    EXPECT_EQ(r.m.ub[a], 1.5);
+    EXPECT_EQ(r.m.lb[b], 0.5);
+    EXPECT_EQ(r.m.ub[b], 3.0);
+    EXPECT_EQ(r.m.lb[c], -1.0);
+    EXPECT_EQ(r.m.lb[d], -1.0);
+    EXPECT_EQ(r.m.lb[e], -TRV_INF);
+    EXPECT_EQ(r.m.ctype[b], 'I');
+    EXPECT_EQ(r.m.sosind[0], c);
+    EXPECT_EQ(r.m.sosind[1], d);
+    /* only a name that exists nowhere is told apart from a misplaced number */
+    EXPECT_EQ(r.te.warn, "Line 13: 'e4' not valid identifier.\n"
+                         "Line 14: Name 'nosuch' does not exist.\n"
+                         "Line 16: 'e5' not valid identifier.\n");
+}
+
+/* A modelling library writes a variable called end, int, bin or general at
+ * the start of a bounds line; a relation, "free", a sign or a weight after
+ * the word makes it the name it is. */
+TEST(LpRead, KeywordsFollowedByARelationAreNames) {
+    Read r;
+    ASSERT_EQ(r.lp("Maximize\n obj: bin + end + general + int + semi + x\nSubject To\n"
+                   " c1: x + end <= 10\nend + int - x >= -20\nBounds\nbin <= 2\nend <= 3\n"
+                   "general = 4\nint >= -5\nsemi free\nbounds <= 1\nSOS\n s1: S1:: x:1\n"
+                   "end:2 int:3\nEnd\n"),
+              0)
+        << r.te.err;
+    ASSERT_EQ(r.m.nrows, 2);
+    EXPECT_EQ(r.coef(1, r.col("end")), 1.0);
+    EXPECT_EQ(r.m.ub[r.col("bin")], 2.0);
+    EXPECT_EQ(r.m.ub[r.col("end")], 3.0);
+    EXPECT_EQ(r.m.lb[r.col("general")], 4.0);
+    EXPECT_EQ(r.m.lb[r.col("int")], -5.0);
+    EXPECT_EQ(r.m.lb[r.col("semi")], -TRV_INF);
+    EXPECT_EQ(r.m.numsosnz, 3);
+    EXPECT_EQ(r.m.sosind[1], r.col("end"));
+    EXPECT_EQ(r.te.warn, "Line 12: Name 'bounds' does not exist.\n");
+    ASSERT_EQ(r.lp("min: x +\n max + 2 y\nst\n c1: x + y + max >= 1\nend\n"), 0) << r.te.err;
+    EXPECT_EQ(r.m.obj[r.col("max")], 1.0);
+    EXPECT_EQ(r.m.objsen, 1);
+    /* where the keyword must stand, a column of its name is mentioned */
+    ASSERT_EQ(r.lp("min: x + end + int\nst\n c1: x + end + int >= 1\ngenerals\n x\n end\n"), 0);
+    EXPECT_EQ(r.te.warn,
+              "Warning, line 6: 'end' taken as a keyword, not as the column of that name.\n");
+    EXPECT_EQ(r.m.ctype[r.col("end")], 'C');
+    ASSERT_EQ(r.lp("min: x + int\nst\n c1: x + int >= 1\nint x\nend\n"), 0);
+    EXPECT_TRUE(
+        r.said("Warning, line 4: 'int' taken as a keyword, not as the column of that name.\n"));
+    EXPECT_EQ(r.m.ctype[r.col("x")], 'B');
+}
+
+/* What the format says but other programs do not mean is told, once and
+ * counted: integers without bounds become binary, a name repeated in a row
+ * adds its coefficients. */
+TEST(LpRead, QuietDeviationsAreToldOnceAndCounted) {
+    Read r;
+    ASSERT_EQ(r.lp("min: - a - b - c - d - e1 - f - g + a\nst\n c1: a + b + 2 c + c + d <= 9\n"
+                   " c2: e1 + f + g + g - g <= 9\nbounds\n g <= 5\n"
+                   "integers\n a b c d e1 f g\nend\n"),
+              0)
+        << r.te.err;
+    const char *hint = "' has no bounds of its own and is taken as binary; list it under "
+                       "GENERALS or bound it for a general integer.\n";
+    std::string want = "Warning:  Column 'a' appears more than once in row 'obj'; its "
+                       "coefficients are added.\n";
+    for (const char *n : {"a", "b", "c", "d", "e1"})
+        want += std::string("Warning:  Integer variable '") + n + hint;
+    want += "1 integer-as-binary warnings not printed.\n";
+    want += "Warning:  Column 'c' appears more than once in row 'c1'; its coefficients are "
+            "added.\n";
+    want += "Warning:  Column 'g' appears more than once in row 'c2'; its coefficients are "
+            "added.\n";
+    want += "Warning:  Column 'g' appears more than once in row 'c2'; its coefficients are "
+            "added.\n";
+    EXPECT_EQ(r.te.warn, want);
+    EXPECT_EQ(r.m.ub[r.col("f")], 1.0);
+    EXPECT_EQ(r.m.ctype[r.col("g")], 'I'); /* bounded: a general integer */
+    EXPECT_EQ(r.m.ub[r.col("g")], 5.0);
+    EXPECT_EQ(r.m.obj[r.col("a")], 0.0);
+    EXPECT_EQ(r.coef(0, r.col("c")), 3.0);
+    EXPECT_EQ(r.coef(1, r.col("g")), 1.0);
+    /* a reader without integers changes no bound and says nothing of it */
+    ASSERT_EQ(r.lp("min: x\nst\n c1: x >= 0\nint\n x\nend\n", 0), 0);
+    EXPECT_EQ(r.te.warn, "");
+}
+
+/* A constraint section may be empty: a model of bounds only. */
+TEST(LpRead, EmptyConstraintSection) {
+    Read r;
+    ASSERT_EQ(r.lp("max: x + 2 y\nsubject to\n\nbounds\n x <= 3\n 1 <= y <= 2\nend\n"), 0)
+        << r.te.err;
+    EXPECT_EQ(r.m.nrows, 0);
+    EXPECT_EQ(r.m.ncols, 2);
+    EXPECT_EQ(r.m.ub[r.col("y")], 2.0);
+    ASSERT_EQ(r.lp("min: x\nst\nend\n"), 0) << r.te.err;
+    EXPECT_EQ(r.m.nrows, 0);
+    ASSERT_EQ(r.lp("min: x\nst\ngenerals\n x\nend\n"), 0) << r.te.err;
+    EXPECT_EQ(r.m.ctype[0], 'I');
 }
 
 TEST(LpRead, ZeroCoefficientsDropButTheColumnStays) {
@@ -218,7 +339,11 @@ INSTANTIATE_TEST_SUITE_P(
         BadLp{"min: [ x + y ]\nend\n", 1614, "Line 1: Expected ^ or *"},
         BadLp{"min: [ x * 2 ]\nend\n", 1609, "Line 1: Expected identifier first"},
         BadLp{"min: 3 + x\nend\n", 1616, "Line 1: Expected identifier, found '+'"},
-        BadLp{"min: E\nend\n", 1617, "Line 1: 'E' not valid identifier"},
+        BadLp{"min: x\nst\n c>1: x >= 2\nend\n", 1617, "Line 3: 'c>1' not valid identifier"},
+        BadLp{"min: x\nst\n flow>=a_1: x >= 2\nend\n", 1617,
+              "Line 3: 'flow>=a_1' not valid identifier"},
+        BadLp{"min: x\nst\n c1: x >= 2\n c<-3: x <= 4\nend\n", 1617,
+              "Line 4: 'c<-3' not valid identifier"},
         BadLp{"min: .e5x\nend\n", 1618, "Line 1: Exponent '.e5x' not started with number"},
         BadLp{"min: 2e + x\nend\n", 1618, "Line 1: Exponent '2e' not ended with number"},
         BadLp{"min: x\nbounds\n x 3\nend\n", 1621, "Line 3: No bound sense"},

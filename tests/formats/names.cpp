@@ -2,6 +2,7 @@
  * the sorted index, and lookups in a loaded model. */
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <string>
 #include <vector>
 
@@ -19,17 +20,54 @@ TEST(NameHash, FirstByteDifferenceInOneBucket) {
     int status = 0;
     namehash *h = namehash_new(16, &status);
     ASSERT_NE(h, nullptr);
-    /* "ab" and "ba" hash alike only by chance; these two share all bits but
-     * the first byte's, four positions apart */
-    const char *a = "xAAAy", *b = "yAAAx";
-    ASSERT_EQ(namehash_fn(a, h->nbuckets), namehash_fn(b, h->nbuckets));
-    EXPECT_EQ(namehash_add(h, a, 1), 0);
-    EXPECT_EQ(namehash_add(h, b, 2), 0);
-    EXPECT_EQ(namehash_find(h, a), 1);
-    EXPECT_EQ(namehash_find(h, b), 2);
-    EXPECT_EQ(namehash_find(h, "xAAAx"), -1);
+    /* two names that differ in the first byte only and share a bucket */
+    std::string a, b;
+    for (int t = 0; a.empty() && t < 1000; t++) {
+        std::string tail = "AAA" + std::to_string(t);
+        for (char c1 = 'a'; c1 <= 'z' && a.empty(); c1++)
+            for (char c2 = c1 + 1; c2 <= 'z'; c2++)
+                if (namehash_fn((c1 + tail).c_str(), h->nbuckets) ==
+                    namehash_fn((c2 + tail).c_str(), h->nbuckets)) {
+                    a = c1 + tail, b = c2 + tail;
+                    break;
+                }
+    }
+    ASSERT_FALSE(a.empty());
+    EXPECT_EQ(namehash_add(h, a.c_str(), 1), 0);
+    EXPECT_EQ(namehash_add(h, b.c_str(), 2), 0);
+    EXPECT_EQ(namehash_find(h, a.c_str()), 1);
+    EXPECT_EQ(namehash_find(h, b.c_str()), 2);
+    EXPECT_EQ(namehash_find(h, ("_" + a.substr(1)).c_str()), -1);
     namehash_free(&h);
     EXPECT_EQ(h, nullptr);
+}
+
+/* Generated names differ in a few trailing digits; they must fill the
+ * table evenly rather than crowd into a few thousand chains. */
+TEST(NameHash, GeneratedNamesSpreadOverTheTable) {
+    const int n = 300000;
+    int status = 0;
+    namehash *h = namehash_new(n, &status);
+    ASSERT_NE(h, nullptr);
+    std::vector<std::string> names(n);
+    char buf[16];
+    for (int k = 0; k < n; k++) {
+        std::snprintf(buf, sizeof buf, "C%07d", k + 1);
+        names[k] = buf;
+        ASSERT_EQ(namehash_add(h, names[k].c_str(), k), 0);
+    }
+    int used = 0, longest = 0;
+    for (int b = 0; b < h->nbuckets; b++) {
+        int len = 0;
+        for (int e = h->bucket[b]; e != -1; e = h->entry[e].next) len++;
+        used += len > 0;
+        if (len > longest) longest = len;
+    }
+    /* about six a bucket: nearly all used, no chain far above the mean */
+    EXPECT_GT(used, h->nbuckets * 99 / 100) << h->nbuckets;
+    EXPECT_LT(longest, 25);
+    EXPECT_EQ(namehash_find(h, "C0123457"), 123456);
+    namehash_free(&h);
 }
 
 TEST(NameSet, HashedSetGrowsAndFindsEveryName) {

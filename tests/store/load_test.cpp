@@ -4,6 +4,7 @@
 
 #include <cstring>
 #include <string>
+#include <vector>
 
 #include "store/lp.h"
 #include "support/internal.h"
@@ -104,6 +105,48 @@ TEST(Load, BadSpacesAndPointersAreRefusedBeforeAnyAllocation) {
     int st = 0;
     EXPECT_EQ(TRVcreateprob(t.env, &st, nullptr), nullptr);
     EXPECT_EQ(st, 1004);
+}
+
+/* Name stores are measured before they are allocated: names of 2100000000
+ * bytes or more are a size error, not a wrapped int. Many names point at
+ * one long text, so nothing of that size is ever allocated. */
+TEST(Load, NameStoresOfTwoGigabytesAreRefusedBeforeAllocation) {
+    std::string big(1049999, 'n'), less(1049998, 'n');
+    std::vector<char *> names(2000, big.data());
+    long bytes = 0;
+    EXPECT_EQ(lp_namestore_bytes(2000, names.data(), 2000, &bytes), 1012);
+    EXPECT_EQ(bytes, 2100000000L);
+    names[0] = less.data();
+    EXPECT_EQ(lp_namestore_bytes(2000, names.data(), 2000, &bytes), 0);
+    EXPECT_EQ(bytes, 2099999999L);
+    /* the spare slots count too */
+    EXPECT_EQ(lp_namestore_bytes(2000, names.data(), 2001, &bytes), 1012);
+    EXPECT_EQ(lp_namestore_bytes(0, nullptr, 10, &bytes), 0);
+    EXPECT_EQ(bytes, 170L);
+
+    TestEnv t;
+    TRVlp lp = small_model().copy_into(t.env);
+    ASSERT_NE(lp, nullptr);
+    const int n = 2100;
+    std::vector<double> obj(n, 1.0), lb(n, 0.0), ub(n, 1.0), rhs(1, 0.0), val(1, 0.0);
+    std::vector<int> beg(n, 0), cnt(n, 0), ind(1, 0);
+    std::vector<char *> colname(n, big.data());
+    char sense[1] = {'L'};
+    t.clear();
+    EXPECT_EQ(TRVcopylpwnames(t.env, lp, n, 1, 1, obj.data(), rhs.data(), sense, beg.data(),
+                              cnt.data(), ind.data(), val.data(), lb.data(), ub.data(), nullptr,
+                              colname.data(), nullptr),
+              1012);
+    EXPECT_EQ(t.err, "TORVA Error  1012: Problem size limits too large.\n");
+    /* the problem is left empty and usable */
+    EXPECT_EQ(TRVgetnumcols(t.env, lp), 0);
+    colname.assign(n, less.data() + less.size() - 3);
+    EXPECT_EQ(TRVcopylpwnames(t.env, lp, n, 1, 1, obj.data(), rhs.data(), sense, beg.data(),
+                              cnt.data(), ind.data(), val.data(), lb.data(), ub.data(), nullptr,
+                              colname.data(), nullptr),
+              0);
+    EXPECT_EQ(TRVgetnumcols(t.env, lp), n);
+    TRVfreeprob(t.env, &lp);
 }
 
 TEST(Load, DataCheckCatchesBadInputAndKeepsTheModel) {

@@ -66,8 +66,8 @@ const char *nameset_name(const nameset *set, int i) {
 int nameset_find(const nameset *set, const char *name) {
     if (set == nullptr || name == nullptr) return -1;
     if (set->index != nullptr) {
-        unsigned b;
-        return namehash_lookup_n(set->index, name, std::strlen(name), &b);
+        unsigned w;
+        return namehash_lookup_n(set->index, name, std::strlen(name), &w);
     }
     for (int k = set->count - 1; k >= 0; k--)
         if (std::strcmp(set->names[k], name) == 0) return k;
@@ -89,20 +89,22 @@ static int nameset_room(nameset *set, long len) {
                      (set->growbytes > set->storebytes ? set->growbytes : set->storebytes);
         if (bytes < set->usedbytes + len + 1) bytes = set->usedbytes + len + 1;
         if (bytes >= NAMES_MAXBYTES) return 1012;
-        char *old = set->store;
-        if (trv_grow(&set->store, bytes) != 0) return 1001;
+        /* a new block, so that the pointers are moved while the old one
+         * still stands */
+        char *fresh = trv_alloc<char>(bytes);
+        if (fresh == nullptr) return 1001;
+        if (set->usedbytes > 0) std::memcpy(fresh, set->store, set->usedbytes);
+        for (int k = 0; k < set->count; k++) set->names[k] = fresh + (set->names[k] - set->store);
+        trv_free(&set->store);
+        set->store = fresh;
         set->storebytes = bytes;
-        ptrdiff_t delta = set->store - old;
-        if (delta != 0) {
-            for (int k = 0; k < set->count; k++) set->names[k] += delta;
-            if (set->index != nullptr) namehash_rebase(set->index, delta);
-        }
+        if (set->index != nullptr) namehash_rekey(set->index, set->names);
     }
     return 0;
 }
 
-/* Appends a name without looking for it; the hash bucket is b. */
-static int nameset_append(nameset *set, const char *name, long len, unsigned b,
+/* Appends a name without looking for it; w is its hash word if hashed. */
+static int nameset_append(nameset *set, const char *name, long len, unsigned w,
                           bool hashed) {
     int status = nameset_room(set, len);
     if (status != 0) return status;
@@ -110,8 +112,8 @@ static int nameset_append(nameset *set, const char *name, long len, unsigned b,
     std::memcpy(p, name, len);
     p[len] = '\0';
     if (set->index != nullptr) {
-        if (!hashed) b = set->index->hashfn(p, set->index->nbuckets);
-        status = namehash_push_at(set->index, p, set->count, b);
+        if (!hashed) w = set->index->hashfn(p, static_cast<size_t>(len));
+        status = namehash_push_at(set->index, p, set->count, w);
         if (status != 0) return status;
     }
     set->names[set->count++] = p;
@@ -124,10 +126,10 @@ int nameset_findaddn(nameset *set, const char *name, int len, int *status_p) {
         if (status_p != nullptr) *status_p = 1004;
         return -1;
     }
-    unsigned b;
-    int k = namehash_lookup_n(set->index, name, static_cast<size_t>(len), &b);
+    unsigned w;
+    int k = namehash_lookup_n(set->index, name, static_cast<size_t>(len), &w);
     if (k >= 0) return k;
-    int status = nameset_append(set, name, len, b, true);
+    int status = nameset_append(set, name, len, w, true);
     if (status != 0) {
         if (status_p != nullptr) *status_p = status;
         return -1;
