@@ -165,8 +165,8 @@ TEST(Conformance, GlpkLpFilesWithExponentLikeNames) {
                           "' --wlp '" + lp + "' --check) > /dev/null 2>&1";
         ASSERT_EQ(std::system(cmd.c_str()), 0) << cmd;
         Read a, b;
-        ASSERT_EQ(lp_read(a.te.env, lp.c_str(), RM_INTS | RM_QUAD, &a.m), 0) << name << a.te.err;
-        ASSERT_EQ(mps_read(b.te.env, mps.c_str(), RM_INTS | RM_QUAD, &b.m), 0) << name;
+        ASSERT_EQ(lp_read(env_of(a.te.env), lp.c_str(), RM_INTS | RM_QUAD, &a.m), 0) << name << a.te.err;
+        ASSERT_EQ(mps_read(env_of(b.te.env), mps.c_str(), RM_INTS | RM_QUAD, &b.m), 0) << name;
         EXPECT_EQ(a.te.warn, "") << name;
         int enames = 0;
         for (int j = 0; j < b.m.ncols; j++) {
