@@ -266,9 +266,7 @@ int bas_read(TRVenv env, const char *filename, const char *suffix,
     if (r == nullptr || st == nullptr) status = 1001;
     if (status == 0) {
         r->st = st;
-        st->env = env;
-        st->filename = filename;
-        mps_classes(st->cls);
+        mps_init(st, env, filename);
         st->fp = trv_fopen(env, filename, "r", suffix, 0, 1, &status);
     }
     if (status == 0 && st->fp != nullptr) {

@@ -949,7 +949,8 @@ int enter_section(mps_state *st, mps_work *w, int code) {
 }
 
 int read_name(mps_state *st, mps_work *w) {
-    while (mps_getline(st)) {
+    int got;
+    while ((got = mps_getline(st)) == 1) {
         const char *p = st->line;
         while (*p == ' ' || *p == '\t' || *p == '\r' || *p == '\n') p++;
         if (*p == '\0') continue; /* a blank line */
@@ -959,7 +960,7 @@ int read_name(mps_state *st, mps_work *w) {
         TRVmsg(st->env->reschannel, "\n");
         return 0;
     }
-    return env_error(st->env, 1441, st->lineno);
+    return got > 1 ? got : env_error(st->env, 1441, st->lineno);
 }
 
 int read_sections(mps_state *st, mps_work *w) {
@@ -967,7 +968,9 @@ int read_sections(mps_state *st, mps_work *w) {
     int state = MS_NAME, pass = -2;
     bool skip = false;
     while (status == 0) {
-        if (!mps_getline(st)) {
+        int got = mps_getline(st);
+        if (got > 1) return got;
+        if (got == 0) {
             if (state < MS_ROWS) return env_error(st->env, 1471, st->lineno);
             if (state == MS_ROWS) return env_error(st->env, 1472, st->lineno);
             status = leave_section(st, w, state, &pass);
@@ -1117,14 +1120,13 @@ int mps_read(TRVenv env, const char *filename, int want, read_model *m) {
     int status = 0;
     mps_state *st = trv_zalloc<mps_state>(1);
     if (st == nullptr) return env_error(env, 1001);
-    st->env = env;
+    mps_init(st, env, filename);
     st->want = want;
-    st->filename = filename;
-    mps_classes(st->cls);
     st->fp = trv_fopen(env, filename, "r", ".mps", 0, 1, &status);
     mps_work w;
     if (st->fp != nullptr) {
         status = work_init(env, &w);
+        if (status == 0) status = mps_open_lines(st);
         if (status == 0) status = read_sections(st, &w);
         if (st->truncated > 20)
             TRVmsg(env->warnchannel, "%d truncation warning messages not printed.\n",
@@ -1138,6 +1140,7 @@ int mps_read(TRVenv env, const char *filename, int want, read_model *m) {
             status = hand_out(env, &w, want, m);
         }
         work_free(&w);
+        mps_close_lines(st);
         trv_fclose(filename, &st->fp);
     }
     trv_free(&st);

@@ -201,6 +201,20 @@ int rw_gets(rw_input *in, char *buf, int size) {
     return n;
 }
 
+int rw_getline(rw_input *in, char **buf, int *cap, int *len) {
+    int n = 0;
+    for (;;) {
+        int got = rw_gets(in, *buf + n, *cap - n);
+        n += got;
+        if (got == 0 || (*buf)[n - 1] == '\n' || n < *cap - 1) break;
+        if (*cap > 1000000000) return 1001;
+        if (trv_grow(buf, static_cast<size_t>(2 * *cap)) != 0) return 1001;
+        *cap *= 2;
+    }
+    *len = n;
+    return 0;
+}
+
 /* ---- the record of a read model ------------------------------------------------ */
 
 void rm_free(read_model *m) {

@@ -38,6 +38,10 @@ int rw_open_input(rw_input *in, FILE *fp);
 void rw_close_input(rw_input *in);
 /* Length of the line put in buf (terminated); 0 at the end of the file. */
 int rw_gets(rw_input *in, char *buf, int size);
+/* One whole line, however long, into *buf, which grows on the library's
+ * allocator (*cap its size, at least 2 on entry); *len is its length, 0 at
+ * the end of the file. 0, or 1001 when memory runs out. */
+int rw_getline(rw_input *in, char **buf, int *cap, int *len);
 
 /* ---- decimal conversion ---------------------------------------------------- */
 
