@@ -1026,7 +1026,7 @@ int lp_read(TRVenv env, const char *filename, int want, read_model *m) {
                    st->truncwarn - 20);
         if (status == 0) status = assemble(st, m);
         rw_close_input(&in);
-        if (!st->interactive) trv_fclose(filename, &st->fp);
+        if (!st->interactive) status = trv_rclose(env, filename, &st->fp, status);
     }
     tables_free(st);
     trv_free(&st);

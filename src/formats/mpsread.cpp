@@ -1141,7 +1141,7 @@ int mps_read(TRVenv env, const char *filename, int want, read_model *m) {
         }
         work_free(&w);
         mps_close_lines(st);
-        trv_fclose(filename, &st->fp);
+        status = trv_rclose(env, filename, &st->fp, status);
     }
     trv_free(&st);
     if (status != 0) {

@@ -17,7 +17,16 @@ bool trv_hasgz(const char *name);
 FILE *trv_fopen(TRVenv env, const char *name, const char *mode,
                 const char *suffix, int quiet, int allowgz, int *status_p);
 FILE *trv_wfopen(const char *name, const char *mode, int allowgz);
-void trv_fclose(const char *name, FILE **file);
+/* Closes a file or a pipe and nulls the handle; nonzero when the close
+ * failed or the pipe's program ended in error. */
+int trv_fclose(const char *name, FILE **file);
+/* Closes a file that a reader has read, given the reader's status. With a
+ * status of 0 the rest of a pipe is read first, so that the decompressor
+ * runs to its end, and a stream that ended in error (a read error, or a
+ * decompressor that failed on a damaged or truncated file) makes the read
+ * fail: 1423 printed, its negative returned. Any other status is returned
+ * as it is. */
+int trv_rclose(TRVenv env, const char *name, FILE **file, int status);
 /* The name without compression suffix and without its last extension. */
 void trv_stem(char *out, const char *name);
 int trv_tempfile(TRVenv env, const char *directory, const char *stem,
