@@ -253,8 +253,8 @@ int lp_bound_number(lp_state *st, const char *s, const char *end, double *v,
     }
     int code = rw_decimal(s, end, 0, v, stop);
     if (code == 0) return 0;
-    char tok[RW_LINE + 1];
-    int n = static_cast<int>(e - s);
+    char tok[RW_LINE + 1]; /* the token as the message shows it */
+    int n = static_cast<int>(e - s) > RW_LINE ? RW_LINE : static_cast<int>(e - s);
     std::memcpy(tok, s, n);
     tok[n] = '\0';
     if (code == RWNUM_EXPSTART || code == RWNUM_EXPEND)
