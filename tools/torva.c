@@ -122,6 +122,22 @@ static int set_param(TRVenv env, const char *setting, int *bad_usage) {
     return TRVsetintparam(env, (int)num, 0);
 }
 
+/* A status that leaves a point satisfying the constraints: the only ones
+ * with an objective value worth printing. */
+static int has_solution(int stat) {
+    switch (stat) {
+    case TRV_STAT_OPTIMAL:
+    case TRV_STAT_ITERATION_LIMIT_EXCEEDED_FEASIBLE:
+    case TRV_STAT_TIME_LIMIT_EXCEEDED_FEASIBLE:
+    case TRV_STAT_NON_OPTIMAL_FEASIBLE:
+    case TRV_STAT_OPTIMAL_UNSCALED_INFEASIBILITIES:
+    case TRV_STAT_ABORTED_FEASIBLE:
+        return 1;
+    default:
+        return 0;
+    }
+}
+
 static int write_solution(TRVenv env, TRVlp lp, const char *path) {
     int n = TRVgetnumcols(env, lp), m = TRVgetnumrows(env, lp);
     int lpstat = 0, k, surplus = 0, status = 0;
@@ -314,7 +330,7 @@ int main(int argc, char **argv) {
     if (TRVgetstatstring(env, TRVgetstat(env, lp), text) == NULL)
         snprintf(text, sizeof text, "status %d", TRVgetstat(env, lp));
     printf("Solution status: %s\n", text);
-    if (status == 0) printf("Objective value: %.15g\n", obj);
+    if (status == 0 && has_solution(lpstat)) printf("Objective value: %.15g\n", obj);
     printf("Iterations: %d\n", TRVgetitcnt(env, lp));
     printf("Solve time: %.3f s\n", t1 - t0);
     if (logf != NULL)

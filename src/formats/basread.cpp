@@ -266,9 +266,7 @@ int bas_read(TRVenv env, const char *filename, const char *suffix,
     if (r == nullptr || st == nullptr) status = 1001;
     if (status == 0) {
         r->st = st;
-        st->env = env;
-        st->filename = filename;
-        mps_classes(st->cls);
+        mps_init(st, env, filename);
         st->fp = trv_fopen(env, filename, "r", suffix, 0, 1, &status);
     }
     if (status == 0 && st->fp != nullptr) {
@@ -277,11 +275,11 @@ int bas_read(TRVenv env, const char *filename, const char *suffix,
         if (status == 0) status = read_body(r);
         summaries(r);
         if (status == 0) status = finish(r, t);
+        status = trv_rclose(env, filename, &st->fp, status);
         if (status == 0) {
             if (t->ncols > 0) std::memcpy(cstat, r->cstat, t->ncols * sizeof(int));
             if (t->nrows > 0) std::memcpy(rstat, r->rstat, t->nrows * sizeof(int));
         }
-        trv_fclose(filename, &st->fp);
     }
     if (r != nullptr) reader_free(r);
     trv_free(&st);

@@ -88,7 +88,7 @@ int bas_write(TRVenv env, TRVlp lp, const char *filename, const int *cstat,
     write_lines(env, fp, d, cstat, rstat);
     std::fprintf(fp, "ENDATA\n");
     bool failed = std::fflush(fp) != 0 || std::ferror(fp) != 0;
-    trv_fclose(filename, &fp);
+    failed |= trv_fclose(filename, &fp) != 0; /* a gzip pipe that failed */
     return failed ? 1422 : 0;
 }
 

@@ -56,6 +56,7 @@ void tables_free(lp_state *st) {
     trv_free(&st->qa), trv_free(&st->qb), trv_free(&st->qv);
     trv_free(&st->sostype), trv_free(&st->sosbeg), trv_free(&st->sosname);
     trv_free(&st->sosind), trv_free(&st->sosref);
+    trv_free(&st->buf), trv_free(&st->cbuf);
 }
 
 int tables_init(lp_state *st) {
@@ -135,7 +136,7 @@ int number_error(lp_state *st, int code, const char *b, const char *end) {
     const char *e = b;
     while (e < end && !(cls_of(st, *e) & LPC_DELIM)) e++;
     if (e == b && e < end) e++;
-    int n = static_cast<int>(e - b);
+    int n = static_cast<int>(e - b) > RW_LINE ? RW_LINE : static_cast<int>(e - b);
     std::memcpy(tok, b, n);
     tok[n] = '\0';
     if (code == RWNUM_EXPSTART || code == RWNUM_EXPEND)
@@ -752,7 +753,6 @@ void rollback(lp_state *st, const lp_parse *mark) {
     nameset_trim(st->cols, P.ncols);
     nameset_trim(st->rnames, P.nrnames);
     nameset_trim(st->snames, P.nsnames);
-    st->carrylen = 0;
 }
 
 int read_lines(lp_state *st, rw_input *in) {
@@ -1090,7 +1090,7 @@ int lp_read(TRVenv env, const char *filename, int want, read_model *m) {
                    st->truncwarn - 20);
         if (status == 0) status = assemble(st, m);
         rw_close_input(&in);
-        if (!st->interactive) trv_fclose(filename, &st->fp);
+        if (!st->interactive) status = trv_rclose(env, filename, &st->fp, status);
     }
     tables_free(st);
     trv_free(&st);

@@ -4,9 +4,8 @@
  *
  * The line reader gives the parser compact lines: white space is dropped,
  * so that a token ends only at a delimiter, except in the integer and set
- * lists where one blank is kept between words. A line longer than the
- * buffer is broken before its last sign, which is where an expression may
- * continue on a new line anyway.
+ * lists where one blank is kept between words. A line is read whole,
+ * however long; its names are cut at 255 characters by the parser.
  */
 #include <cctype>
 #include <cstring>
@@ -109,44 +108,22 @@ int lp_keyword(const char *w, int len, int state) {
 
 /* ---- lines ---------------------------------------------------------------------- */
 
-/* Where a full buffer is broken: at the last sign from the end back to the
- * second character, passing over a sign that belongs to an exponent or
- * that follows a sense, which would split a number. 0 for none. */
-static int break_point(const lp_state *st, const char *b, int n) {
-    for (int i = n - 1; i >= 1; i--) {
-        if (!(st->cls[static_cast<unsigned char>(b[i])] & LPC_SIGN)) continue;
-        int k = i - 1;
-        if ((b[k] == 'e' || b[k] == 'E') && k > 0 &&
-            (st->cls[static_cast<unsigned char>(b[k - 1])] & LPC_DIGIT))
-            continue;
-        while (k > 0 && (st->cls[static_cast<unsigned char>(b[k])] & LPC_SPACE)) k--;
-        if (st->cls[static_cast<unsigned char>(b[k])] & LPC_SENSE) continue;
-        return i;
-    }
-    return 0;
-}
-
-/* Reads one physical line, or the rest of a broken one, into buf. Returns
- * its length, 0 at the end of the file, or a negative status. */
+/* Reads one whole line into buf, with the compact buffer grown to its
+ * size. Returns its length, 0 at the end of the file, or a negative
+ * status. */
 static int read_raw(lp_state *st, rw_input *in) {
-    int len = st->carrylen;
-    if (len > 0) std::memcpy(st->buf, st->carry, len);
-    st->carrylen = 0;
-    int got = rw_gets(in, st->buf + len, RW_LINE - len);
-    if (got == 0 && len == 0) return 0;
-    if (len == 0) st->lineno++;
-    int n = len + got;
-    bool full = n == RW_LINE - 1 && st->buf[n - 1] != '\n';
-    if (!full) return n;
-    const char *b = st->buf;
-    while (*b == ' ' || *b == '\t') b++;
-    if (word_prefix(b, 3, "end", 3)) return n;
-    int k = break_point(st, st->buf, n);
-    if (k == 0) return st->env ? env_error(st->env, 1464, st->lineno) : -1464;
-    st->carrylen = n - k;
-    std::memcpy(st->carry, st->buf + k, st->carrylen);
-    st->buf[k] = '\0';
-    return k;
+    if (st->buf == nullptr) {
+        st->bufcap = RW_LINE + 2;
+        st->buf = trv_alloc<char>(static_cast<size_t>(st->bufcap));
+        st->cbuf = trv_alloc<char>(static_cast<size_t>(st->bufcap));
+        if (st->buf == nullptr || st->cbuf == nullptr) return env_error(st->env, 1001);
+    }
+    int cap = st->bufcap, n = 0;
+    if (rw_getline(in, &st->buf, &st->bufcap, &n) != 0) return env_error(st->env, 1001);
+    if (st->bufcap > cap && trv_grow(&st->cbuf, static_cast<size_t>(st->bufcap)) != 0)
+        return env_error(st->env, 1001);
+    if (n > 0) st->lineno++;
+    return n;
 }
 
 static int unexpected_char(lp_state *st, unsigned char c) {
@@ -341,8 +318,8 @@ int lp_bound_number(lp_state *st, const char *s, const char *end, double *v,
     }
     int code = rw_decimal(s, end, 0, v, stop);
     if (code == 0) return 0;
-    char tok[RW_LINE + 1];
-    int n = static_cast<int>(e - s);
+    char tok[RW_LINE + 1]; /* the token as the message shows it */
+    int n = static_cast<int>(e - s) > RW_LINE ? RW_LINE : static_cast<int>(e - s);
     std::memcpy(tok, s, n);
     tok[n] = '\0';
     if (code == RWNUM_EXPSTART || code == RWNUM_EXPEND)

@@ -70,10 +70,9 @@ struct lp_state {
     int want;
     unsigned short cls[256];
     int lineno;
-    char buf[RW_LINE + 2];   /* the raw line */
-    char carry[RW_LINE + 2]; /* the rest of a line broken before a sign */
-    int carrylen;
-    char cbuf[RW_LINE + 2];  /* the compacted line */
+    char *buf;  /* the raw line, read whole however long */
+    char *cbuf; /* the compacted line, of the raw line's size */
+    int bufcap;
     int clen;
     lp_parse p;
     int lastcode;

@@ -5,10 +5,17 @@
  *
  * Rows and columns are kept in hashed name sets in file order; free rows
  * stay in the row set so that their entries can be recognised and dropped.
- * The first vector of each of RHS, RANGES and BOUNDS is the one used. Each
- * column's entries are appended as its lines come, so the matrix grows in
- * column order with no sort. The arrays are trimmed to the need plus the
- * allowances of the environment when the file has been read.
+ * The first vector of each of RHS, RANGES and BOUNDS is the one used, and
+ * a second one is dropped with a warning. Each column's entries are
+ * appended as its lines come, so the matrix grows in column order with no
+ * sort. The arrays are trimmed to the need plus the allowances of the
+ * environment when the file has been read.
+ *
+ * Files written by other programs are read as they mean: a line of
+ * COLUMNS, RHS or RANGES may hold any number of pairs, each read as if it
+ * stood on a line of its own; a card of the fixed layout whose column,
+ * vector or bound-set name is blank goes on with the one of the card
+ * above. Each such reading is reported once a section, with its count.
  */
 #include <cmath>
 #include <cctype>
@@ -19,7 +26,17 @@
 
 namespace {
 
-enum { BND_LOWER = 1, BND_UPPER = 2 };
+enum { BND_LOWER = 1, BND_UPPER = 2, BND_MARKER = 4 /* integer by the marker */ };
+
+/* A reading the file asked for that the section reports once, at its end:
+ * how many lines and the first of them. */
+struct line_count {
+    int lines, first;
+};
+
+void count_line(line_count *c, int lineno) {
+    if (c->lines++ == 0) c->first = lineno;
+}
 
 struct mps_work {
     /* rows in file order, free rows included */
@@ -67,6 +84,12 @@ struct mps_work {
     int rowrepeats, colrepeats, objwarn, freewarn, bndsets, priwarn;
     int colfail; /* the code of the first repeat in COLUMNS */
     bool emptywarned;
+    /* lines read in a way the section reports at its end */
+    line_count manypairs; /* more than two pairs */
+    line_count blankname; /* a blank name field continuing the one above */
+    line_count extrabnd;  /* BOUNDS fields after the value */
+    bool lastused; /* the vector or bound set of the last card is the one used */
+    bool secondset; /* the section's second vector was reported */
 };
 
 template <class T> int grow_to(T **p, int cap) {
@@ -332,9 +355,8 @@ int read_marker(mps_state *st, mps_work *w, const mps_field *type, const mps_fie
     return 0;
 }
 
-/* Starts the column named by field 2, or goes on with the current one. */
-int column_of(mps_state *st, mps_work *w) {
-    const mps_field *f = &st->f[1];
+/* Starts the column named by f, or goes on with the current one. */
+int column_of(mps_state *st, mps_work *w, const mps_field *f) {
     if (w->cur >= 0) {
         const char *name = nameset_name(w->cols, w->cur);
         if (std::strcmp(name, f->text) == 0) return 0;
@@ -355,7 +377,7 @@ int column_of(mps_state *st, mps_work *w) {
     w->lb[j] = 0.0;
     w->ub[j] = w->inint ? 1.0 : TRV_INF;
     w->ctype[j] = w->inint ? 'B' : 'C';
-    w->bflag[j] = 0;
+    w->bflag[j] = w->inint ? BND_MARKER : 0;
     w->matbeg[j] = w->nz;
     w->matcnt[j] = 0;
     if (w->insos)
@@ -395,8 +417,79 @@ int column_entry(mps_state *st, mps_work *w, const mps_field *rf, const mps_fiel
 
 bool comment_field(const mps_field *f) { return f->len > 0 && f->text[0] == '$'; }
 
-int read_column(mps_state *st, mps_work *w) {
+/* A row of that name, as the name reads once cut to 255 characters. */
+bool is_row(const mps_work *w, const mps_field *f) {
+    unsigned b;
+    size_t len = static_cast<size_t>(f->len > RW_NAMELEN ? RW_NAMELEN : f->len);
+    return namehash_lookup_n(w->rows->index, f->text, len, &b) >= 0;
+}
+
+/* The tokens from `from` on are pairs of a row (a known one if rows is
+ * set) and a value that looks like a number, up to the end of the line or
+ * a comment. */
+bool pairs_from(const mps_state *st, const mps_work *w, int from, bool rows) {
     const mps_field *t = st->tok;
+    int n = st->nfree, pairs = 0;
+    for (int k = from; k < n; k += 2) {
+        if (comment_field(&t[k])) break;
+        if (k + 1 >= n || !mps_numeric_look(&t[k + 1]) || (rows && !is_row(w, &t[k])))
+            return false;
+        pairs++;
+    }
+    return pairs > 0;
+}
+
+/* The name field of a card left blank in the fixed layout: the card goes
+ * on with the column or vector of the card above. */
+void blank_name(mps_state *st, mps_work *w) { count_line(&w->blankname, st->lineno); }
+
+/* Reads the pairs of a free line from token `from` on, each as if it stood
+ * on a line of its own; a last row without its value reads a zero. */
+template <class F> int free_pairs(mps_state *st, mps_work *w, int from, F entry) {
+    mps_field *t = st->tok;
+    int n = st->nfree, pairs = 0;
+    for (int k = from; k < n; k += 2) {
+        if (comment_field(&t[k])) break;
+        mps_field rf = t[k], vf = k + 1 < n ? t[k + 1] : mps_field{nullptr, 0};
+        mps_cut(st, &rf, true);
+        mps_cut(st, &vf, false);
+        int status = entry(&rf, &vf);
+        if (status != 0) return status;
+        pairs++;
+    }
+    if (pairs > 2) count_line(&w->manypairs, st->lineno);
+    return 0;
+}
+
+/* The pairs of a line in the fixed layout, fields 3-4 and 5-6; a value
+ * whose row field is blank cannot be read. */
+template <class F> int fixed_pairs(mps_state *st, int unknown, F entry) {
+    for (int k = 2; k <= 4; k += 2) {
+        const mps_field *rf = &st->f[k], *vf = &st->f[k + 1];
+        if (rf->len == 0) {
+            if (vf->len > 0) return env_error(st->env, unknown, st->lineno, rf->text);
+            continue;
+        }
+        if (comment_field(rf)) break;
+        int status = entry(rf, vf);
+        if (status != 0) return status;
+    }
+    return 0;
+}
+
+/* A card whose column name is blank goes on with the column above; with
+ * none above (the first card, or one after a marker) it cannot be read. */
+int continue_column(mps_state *st, mps_work *w) {
+    if (w->cur == -1) return env_error(st->env, 1449, st->lineno, "");
+    blank_name(st, w);
+    return 0;
+}
+
+/* A COLUMNS line: a column name and pairs of row and value, written free
+ * (any number of pairs) or in the fixed layout, whose blank column name
+ * goes on with the column above. */
+int read_column(mps_state *st, mps_work *w) {
+    mps_field *t = st->tok;
     int n = st->nfree;
     if (n >= 3 && is_marker(&t[1])) {
         t[2].text[t[2].len] = '\0';
@@ -407,22 +500,35 @@ int read_column(mps_state *st, mps_work *w) {
         t[3].text[t[3].len] = '\0';
         return read_marker(st, w, &t[0], &t[3]);
     }
-    bool free_ok = (n == 3 && mps_numeric_look(&t[2])) ||
-                   (n == 5 && mps_numeric_look(&t[2]) && mps_numeric_look(&t[4])) ||
-                   (n >= 4 && mps_numeric_look(&t[2]) && t[3].text[0] == '$');
-    if (free_ok || !mps_fixed(st)) {
-        st->f[0] = {nullptr, 0};
-        for (int k = 1; k < MPS_NFIELD; k++)
-            st->f[k] = k - 1 < n ? t[k - 1] : mps_field{nullptr, 0};
+    auto entry = [st, w](const mps_field *rf, const mps_field *vf) {
+        return column_entry(st, w, rf, vf);
+    };
+    /* the free form; with more than two pairs its rows must be rows, as a
+     * line of the fixed layout with blanks in its names splits into more
+     * tokens too */
+    if (n >= 3 && pairs_from(st, w, 1, n > 5)) {
+        mps_field cf = t[0];
+        mps_cut(st, &cf, true);
+        int status = column_of(st, w, &cf);
+        return status != 0 ? status : free_pairs(st, w, 1, entry);
     }
-    mps_terminate(st, (1u << 1) | (1u << 2) | (1u << 4));
-    if (st->f[1].len == 0) return 0;
-    int status = column_of(st, w);
-    if (status == 0 && st->f[2].len > 0 && !comment_field(&st->f[2]))
-        status = column_entry(st, w, &st->f[2], &st->f[3]);
-    if (status == 0 && st->f[4].len > 0 && !comment_field(&st->f[4]))
-        status = column_entry(st, w, &st->f[4], &st->f[5]);
-    return status;
+    if (mps_fixed(st)) {
+        mps_terminate(st, (1u << 1) | (1u << 2) | (1u << 4));
+        int status = st->f[1].len > 0 ? column_of(st, w, &st->f[1]) : continue_column(st, w);
+        return status != 0 ? status : fixed_pairs(st, 1448, entry);
+    }
+    /* pairs alone: the column name left blank; else a column and pairs,
+     * the last of which may lack its value */
+    int from = n % 2 == 0 && pairs_from(st, w, 0, true) ? 0 : 1;
+    int status;
+    if (from == 0) {
+        status = continue_column(st, w);
+    } else {
+        mps_field cf = t[0];
+        mps_cut(st, &cf, true);
+        status = column_of(st, w, &cf);
+    }
+    return status != 0 ? status : free_pairs(st, w, from, entry);
 }
 
 void empty_warning(mps_state *st, mps_work *w) {
@@ -443,29 +549,6 @@ int finish_columns(mps_state *st, mps_work *w) {
 
 /* ---- RHS and RANGES ---------------------------------------------------------------- */
 
-bool is_row(const mps_work *w, const mps_field *f) {
-    unsigned b;
-    return namehash_lookup_n(w->rows->index, f->text, static_cast<size_t>(f->len), &b) >= 0;
-}
-
-/* Fields of a vector line: an optional vector name and one or two pairs;
- * the number of tokens tells whether the name is there, and the row names
- * must be rows for the split to stand. */
-void vector_fields(mps_state *st, const mps_work *w) {
-    const mps_field *t = st->tok;
-    int n = st->nfree;
-    bool named = n == 3 || n == 5;
-    int off = named ? 1 : 0;
-    bool free_ok = n >= 2 && n <= 5 && is_row(w, &t[off]) && mps_numeric_look(&t[off + 1]) &&
-                   (n - off == 2 || (is_row(w, &t[off + 2]) && mps_numeric_look(&t[off + 3])));
-    if (free_ok || !mps_fixed(st)) {
-        st->f[0] = {nullptr, 0};
-        for (int k = 1; k < MPS_NFIELD; k++) st->f[k] = {nullptr, 0};
-        for (int k = 0; k < n && k + 2 - off < MPS_NFIELD; k++) st->f[k + 2 - off] = t[k];
-    }
-    mps_terminate(st, (1u << 1) | (1u << 2) | (1u << 4));
-}
-
 struct vec_kind {
     const char *word;  /* in messages */
     const char *label; /* in the selection line */
@@ -478,6 +561,7 @@ const vec_kind RNG_KIND = {"RANGES", "range", 1452};
 int vector_entry(mps_state *st, mps_work *w, const vec_kind *kind, int pass,
                  const mps_field *rf, const mps_field *vf) {
     TRVenv env = st->env;
+    if (!w->lastused) return 0; /* another vector's entry */
     int r = nameset_find(w->rows, rf->text);
     if (r < 0) return env_error(env, kind->unknown, st->lineno, rf->text);
     double v;
@@ -511,23 +595,60 @@ int vector_entry(mps_state *st, mps_work *w, const vec_kind *kind, int pass,
     return 0;
 }
 
-int read_vector(mps_state *st, mps_work *w, const vec_kind *kind, int pass) {
-    vector_fields(st, w);
+/* The vector of a card: the first one named is used and later ones are
+ * dropped with one warning; a blank name on a later card goes on with the
+ * vector of the card above. */
+void vector_of(mps_state *st, mps_work *w, const vec_kind *kind, const mps_field *name) {
     bool *has = kind == &RHS_KIND ? &w->hasrhs : &w->hasrng;
-    char *name = kind == &RHS_KIND ? w->rhsname : w->rngname;
+    char *used = kind == &RHS_KIND ? w->rhsname : w->rngname;
     if (!*has) {
         *has = true;
-        copy_name(name, st->f[1].text);
-        TRVmsg(st->env->reschannel, "Selected %-10s name:  %.255s\n", kind->label, name);
-    } else if (std::strcmp(name, st->f[1].text) != 0) {
-        return 0; /* another vector */
+        copy_name(used, name->text);
+        TRVmsg(st->env->reschannel, "Selected %-10s name:  %.255s\n", kind->label, used);
+        w->lastused = true;
+    } else if (name->len == 0 && used[0] != '\0') {
+        blank_name(st, w);
+    } else if (std::strcmp(used, name->text) == 0) {
+        w->lastused = true;
+    } else {
+        w->lastused = false;
+        if (!w->secondset) {
+            w->secondset = true;
+            TRVmsg(st->env->warnchannel,
+                   "Warning:  More than one %s set specified.  Only the first set is used.\n",
+                   kind->label);
+        }
     }
-    int status = 0;
-    if (st->f[2].len > 0 && !comment_field(&st->f[2]))
-        status = vector_entry(st, w, kind, pass, &st->f[2], &st->f[3]);
-    if (status == 0 && st->f[4].len > 0 && !comment_field(&st->f[4]))
-        status = vector_entry(st, w, kind, pass, &st->f[4], &st->f[5]);
-    return status;
+}
+
+/* A vector line: a vector name and pairs of row and value, written free
+ * (any number of pairs) or in the fixed layout; a card may leave the
+ * vector name blank. */
+int read_vector(mps_state *st, mps_work *w, const vec_kind *kind, int pass) {
+    mps_field *t = st->tok;
+    int n = st->nfree;
+    auto entry = [st, w, kind, pass](const mps_field *rf, const mps_field *vf) {
+        return vector_entry(st, w, kind, pass, rf, vf);
+    };
+    /* a vector name and pairs, or pairs alone; where neither fits the
+     * rows, the fixed layout, and else the form the values suggest, so
+     * that an unknown row is named in the error */
+    int from = 1;
+    if (n >= 3 && pairs_from(st, w, 1, true)) {
+        from = 1;
+    } else if (n % 2 == 0 && pairs_from(st, w, 0, true)) {
+        from = 0;
+    } else if (mps_fixed(st)) {
+        mps_terminate(st, (1u << 1) | (1u << 2) | (1u << 4));
+        vector_of(st, w, kind, &st->f[1]);
+        return fixed_pairs(st, kind->unknown, entry);
+    } else if (n % 2 == 0 && pairs_from(st, w, 0, false)) {
+        from = 0;
+    }
+    mps_field name = from == 1 ? t[0] : mps_field{nullptr, 0};
+    mps_cut(st, &name, true);
+    vector_of(st, w, kind, &name);
+    return free_pairs(st, w, from, entry);
 }
 
 int finish_vector(mps_state *st, mps_work *w, int *pass) {
@@ -537,6 +658,7 @@ int finish_vector(mps_state *st, mps_work *w, int *pass) {
     if (w->freewarn > 5)
         TRVmsg(env->warnchannel, "%d free row warnings not printed.\n", w->freewarn - 5);
     w->objwarn = w->freewarn = 0;
+    w->secondset = false;
     (*pass)--;
     if (w->rowrepeats > 20)
         TRVmsg(env->errchannel, "%d Row repeats messages not printed.\n", w->rowrepeats - 20);
@@ -554,20 +676,27 @@ bool bound_needs_value(const mps_field *type) {
     return true;
 }
 
-void bound_fields(mps_state *st) {
+/* Fields of a BOUNDS line: type, an optional set name, column and value;
+ * fields after these are counted and ignored. */
+void bound_fields(mps_state *st, mps_work *w) {
     const mps_field *t = st->tok;
     int n = st->nfree;
     bool value = n > 0 && bound_needs_value(&t[0]);
     bool free_ok = value ? (n == 4 && mps_numeric_look(&t[3])) ||
                                (n == 3 && mps_numeric_look(&t[2]))
                          : n >= 2 && n <= 4;
+    bool extra;
     if (free_ok || !mps_fixed(st)) {
         for (int k = 0; k < MPS_NFIELD; k++) st->f[k] = {nullptr, 0};
         if (n > 0) st->f[0] = t[0];
         bool named = value ? n >= 4 : n >= 3;
         int off = named ? 0 : 1;
         for (int k = 1; k < n && k + off < 4; k++) st->f[k + off] = t[k];
+        extra = n > 4;
+    } else {
+        extra = st->f[4].len > 0 || st->f[5].len > 0;
     }
+    if (extra) count_line(&w->extrabnd, st->lineno);
     mps_terminate(st, (1u << 1) | (1u << 2));
 }
 
@@ -578,7 +707,7 @@ int bound_flag_error(mps_state *st, unsigned char have, unsigned char need, int 
 
 int read_bound(mps_state *st, mps_work *w) {
     TRVenv env = st->env;
-    bound_fields(st);
+    bound_fields(st, w);
     const mps_field *type = &st->f[0], *set = &st->f[1], *col = &st->f[2];
     if (type->len == 0) return env_error(env, 1460, st->lineno);
     char t0 = static_cast<char>(std::toupper(static_cast<unsigned char>(type->text[0])));
@@ -593,16 +722,24 @@ int read_bound(mps_state *st, mps_work *w) {
     bool ok = false;
     for (int k : known) ok |= k == kind;
     if (!ok) return env_error(env, 1457, st->lineno, type->text);
+    /* the first set is used; a blank set name on a later card goes on
+     * with the set of the card above */
     if (!w->hasbnd) {
         w->hasbnd = true;
         copy_name(w->bndname, set->text);
         TRVmsg(env->reschannel, "Selected %-10s name:  %.255s\n", "bound", w->bndname);
-    } else if (std::strcmp(w->bndname, set->text) != 0) {
+        w->lastused = true;
+    } else if (set->len == 0 && w->bndname[0] != '\0') {
+        blank_name(st, w);
+    } else if (std::strcmp(w->bndname, set->text) == 0) {
+        w->lastused = true;
+    } else {
+        w->lastused = false;
         if (w->bndsets++ == 0)
             TRVmsg(env->warnchannel, "Warning:  More than one bound set specified.  "
                                      "Only the first set is used.\n");
-        return 0;
     }
+    if (!w->lastused) return 0;
     int j = nameset_find(w->cols, col->text);
     if (j < 0) return env_error(env, 1449, st->lineno, col->text);
     double v = 0.0;
@@ -782,6 +919,11 @@ void check_ints(TRVenv env, mps_work *w) {
     int n = nameset_count(w->cols);
     for (int j = 0; j < n; j++) {
         char &ct = w->ctype[j];
+        /* A bound card on a column of the integer markers replaces the
+         * markers' default range [0, 1]: with a lower bound and no upper
+         * one the column is a general integer, not a binary. */
+        if ((w->bflag[j] & (BND_MARKER | BND_LOWER | BND_UPPER)) == (BND_MARKER | BND_LOWER))
+            w->ub[j] = TRV_INF;
         if (ct == 'C' || ct == 'S') continue;
         const char *name = nameset_name(w->cols, j);
         if (w->bflag[j] & BND_UPPER) fraction_warning(env, w->ub[j], name);
@@ -908,8 +1050,35 @@ int read_data(mps_state *st, mps_work *w, int state, int *pass) {
     }
 }
 
+/* The readings a section reports once, with their counts. */
+void report_lines(mps_state *st, mps_work *w, int state) {
+    TRVenv env = st->env;
+    const char *word = section_words[state];
+    const line_count &p = w->manypairs, &b = w->blankname, &x = w->extrabnd;
+    if (p.lines > 0)
+        TRVmsg(env->warnchannel,
+               "Warning, line %d:  More than two pairs on a line; further pairs read as if "
+               "on lines of their own (%d line%s in %s).\n",
+               p.first, p.lines, p.lines > 1 ? "s" : "", word);
+    if (b.lines > 0)
+        TRVmsg(env->warnchannel,
+               "Warning, line %d:  Blank name field read as continuing the %s above "
+               "(%d line%s in %s).\n",
+               b.first,
+               state == MS_COLUMNS ? "column" : state == MS_BOUNDS ? "bound set" : "vector",
+               b.lines, b.lines > 1 ? "s" : "", word);
+    if (x.lines > 0)
+        TRVmsg(env->warnchannel,
+               "Warning, line %d:  Fields after the bound value ignored (%d line%s).\n",
+               x.first, x.lines, x.lines > 1 ? "s" : "");
+    w->manypairs = w->blankname = w->extrabnd = line_count{0, 0};
+    w->lastused = false;
+}
+
 /* Work done when a section ends. */
 int leave_section(mps_state *st, mps_work *w, int state, int *pass) {
+    if (state == MS_COLUMNS || state == MS_RHS || state == MS_RANGES || state == MS_BOUNDS)
+        report_lines(st, w, state);
     switch (state) {
     case MS_ROWS:
         return finish_rows(st, w);
@@ -949,7 +1118,8 @@ int enter_section(mps_state *st, mps_work *w, int code) {
 }
 
 int read_name(mps_state *st, mps_work *w) {
-    while (mps_getline(st)) {
+    int got;
+    while ((got = mps_getline(st)) == 1) {
         const char *p = st->line;
         while (*p == ' ' || *p == '\t' || *p == '\r' || *p == '\n') p++;
         if (*p == '\0') continue; /* a blank line */
@@ -959,7 +1129,7 @@ int read_name(mps_state *st, mps_work *w) {
         TRVmsg(st->env->reschannel, "\n");
         return 0;
     }
-    return env_error(st->env, 1441, st->lineno);
+    return got > 1 ? got : env_error(st->env, 1441, st->lineno);
 }
 
 int read_sections(mps_state *st, mps_work *w) {
@@ -967,7 +1137,9 @@ int read_sections(mps_state *st, mps_work *w) {
     int state = MS_NAME, pass = -2;
     bool skip = false;
     while (status == 0) {
-        if (!mps_getline(st)) {
+        int got = mps_getline(st);
+        if (got > 1) return got;
+        if (got == 0) {
             if (state < MS_ROWS) return env_error(st->env, 1471, st->lineno);
             if (state == MS_ROWS) return env_error(st->env, 1472, st->lineno);
             status = leave_section(st, w, state, &pass);
@@ -1117,14 +1289,13 @@ int mps_read(TRVenv env, const char *filename, int want, read_model *m) {
     int status = 0;
     mps_state *st = trv_zalloc<mps_state>(1);
     if (st == nullptr) return env_error(env, 1001);
-    st->env = env;
+    mps_init(st, env, filename);
     st->want = want;
-    st->filename = filename;
-    mps_classes(st->cls);
     st->fp = trv_fopen(env, filename, "r", ".mps", 0, 1, &status);
     mps_work w;
     if (st->fp != nullptr) {
         status = work_init(env, &w);
+        if (status == 0) status = mps_open_lines(st);
         if (status == 0) status = read_sections(st, &w);
         if (st->truncated > 20)
             TRVmsg(env->warnchannel, "%d truncation warning messages not printed.\n",
@@ -1138,7 +1309,8 @@ int mps_read(TRVenv env, const char *filename, int want, read_model *m) {
             status = hand_out(env, &w, want, m);
         }
         work_free(&w);
-        trv_fclose(filename, &st->fp);
+        mps_close_lines(st);
+        status = trv_rclose(env, filename, &st->fp, status);
     }
     trv_free(&st);
     if (status != 0) {

@@ -26,12 +26,47 @@ void mps_classes(unsigned char *cls) {
         cls[static_cast<unsigned char>(*p)] |= MPSC_SENSE;
 }
 
-bool mps_getline(mps_state *st) {
+void mps_init(mps_state *st, TRVenv env, const char *filename) {
+    st->env = env;
+    st->filename = filename;
+    mps_classes(st->cls);
+    st->tok = st->tok8;
+    st->tokcap = 8;
+}
+
+int mps_open_lines(mps_state *st) {
+    st->linecap = RW_LINE + 2;
+    st->line = trv_alloc<char>(static_cast<size_t>(st->linecap));
+    if (st->line == nullptr) return 1001;
+    st->line[0] = '\0';
+    return rw_open_input(&st->in, st->fp);
+}
+
+void mps_close_lines(mps_state *st) {
+    rw_close_input(&st->in);
+    trv_free(&st->line);
+    if (st->tok != st->tok8) trv_free(&st->tok);
+    st->tok = st->tok8;
+    st->tokcap = 8;
+}
+
+int mps_getline(mps_state *st) {
     for (;;) {
-        if (std::fgets(st->line, RW_LINE, st->fp) == nullptr) return false;
+        int len = 0;
+        if (rw_getline(&st->in, &st->line, &st->linecap, &len) != 0) return 1001;
+        if (len == 0) return 0;
         st->lineno++;
+        /* a line of n characters holds at most n / 2 + 1 tokens */
+        int need = len / 2 + 1;
+        if (need > st->tokcap) {
+            mps_field *t = trv_alloc<mps_field>(static_cast<size_t>(need));
+            if (t == nullptr) return 1001;
+            if (st->tok != st->tok8) trv_free(&st->tok);
+            st->tok = t;
+            st->tokcap = need;
+        }
         unsigned char c = static_cast<unsigned char>(st->line[0]);
-        if (c == '\0' || !(st->cls[c] & MPSC_SKIP)) return true;
+        if (c == '\0' || !(st->cls[c] & MPSC_SKIP)) return 1;
     }
 }
 
@@ -73,7 +108,7 @@ void mps_tokens_of(mps_state *st, char *line) {
         if (*p == '\0') break;
         char *b = p;
         while (st->cls[static_cast<unsigned char>(*p)] & MPSC_NAME) p++;
-        if (st->nfree < 8) st->tok[st->nfree] = {b, static_cast<int>(p - b)};
+        if (st->nfree < st->tokcap) st->tok[st->nfree] = {b, static_cast<int>(p - b)};
         st->nfree++;
     }
 }
@@ -97,23 +132,24 @@ bool mps_fixed(mps_state *st) {
     return true;
 }
 
-void mps_terminate(mps_state *st, unsigned namemask) {
-    for (int k = 0; k < MPS_NFIELD; k++) {
-        mps_field *f = &st->f[k];
-        if (f->len == 0) {
-            st->nul[k] = '\0';
-            f->text = &st->nul[k];
-            continue;
-        }
-        if (f->len > RW_NAMELEN && (namemask & (1u << k))) {
-            f->len = RW_NAMELEN;
-            f->text[RW_NAMELEN] = '\0';
-            if (++st->truncated <= 20)
-                TRVmsg(st->env->warnchannel, "Warning, line %d:  '%s' truncated.\n",
-                       st->lineno, f->text);
-        }
-        f->text[f->len] = '\0';
+void mps_cut(mps_state *st, mps_field *f, bool name) {
+    if (f->len == 0) {
+        st->nul[0] = '\0';
+        f->text = &st->nul[0];
+        return;
     }
+    if (f->len > RW_NAMELEN && name) {
+        f->len = RW_NAMELEN;
+        f->text[RW_NAMELEN] = '\0';
+        if (++st->truncated <= 20)
+            TRVmsg(st->env->warnchannel, "Warning, line %d:  '%s' truncated.\n", st->lineno,
+                   f->text);
+    }
+    f->text[f->len] = '\0';
+}
+
+void mps_terminate(mps_state *st, unsigned namemask) {
+    for (int k = 0; k < MPS_NFIELD; k++) mps_cut(st, &st->f[k], (namemask & (1u << k)) != 0);
 }
 
 bool mps_numeric_look(const mps_field *fld) {

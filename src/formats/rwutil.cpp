@@ -7,6 +7,7 @@
 #include <cctype>
 #include <cstdlib>
 #include <cstring>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include "formats/rwutil.h"
@@ -60,11 +61,13 @@ static char *gz_command(const char *format_head, const char *name,
     return cmd;
 }
 
+/* The pipe's program starts afresh from the shell, so nothing buffered in
+ * this process can be written twice, and the host's streams are left for
+ * the host to flush. */
 static FILE *gz_popen(const char *head, const char *name, const char *tail,
                       const char *mode) {
     char *cmd = gz_command(head, name, tail);
     if (cmd == nullptr) return nullptr;
-    std::fflush(nullptr);
     FILE *f = popen(cmd, mode);
     trv_free(&cmd);
     return f;
@@ -83,7 +86,7 @@ FILE *trv_fopen(TRVenv env, const char *name, const char *mode,
             return nullptr;
         }
         std::fclose(test);
-        FILE *pipe = gz_popen("gzip -cd ", name, " 2>/dev/null", "r");
+        FILE *pipe = gz_popen("gzip -cd -- ", name, " 2>/dev/null", "r");
         if (pipe == nullptr && status_p != nullptr)
             *status_p = env_error(env, 1423, name);
         return pipe;
@@ -113,13 +116,37 @@ FILE *trv_wfopen(const char *name, const char *mode, int allowgz) {
     return std::fopen(name, mode);
 }
 
-void trv_fclose(const char *name, FILE **file) {
-    if (*file == nullptr) return;
+/* gzip ends with 0, with 1 on an error and with 2 after a mere warning
+ * (trailing garbage ignored); the shell adds 127 for a missing program. */
+static bool pipe_failed(int rc) {
+    return rc == -1 || !WIFEXITED(rc) || (WEXITSTATUS(rc) != 0 && WEXITSTATUS(rc) != 2);
+}
+
+int trv_fclose(const char *name, FILE **file) {
+    if (*file == nullptr) return 0;
+    bool failed;
     if (trv_hasgz(name))
-        pclose(*file);
+        failed = pipe_failed(pclose(*file));
     else
-        std::fclose(*file);
+        failed = std::fclose(*file) != 0;
     *file = nullptr;
+    return failed ? 1 : 0;
+}
+
+int trv_rclose(TRVenv env, const char *name, FILE **file, int status) {
+    if (*file == nullptr) return status;
+    bool failed = false;
+    if (status == 0) {
+        if (trv_hasgz(name)) {
+            char buf[4096];
+            while (std::fread(buf, 1, sizeof buf, *file) > 0) {
+            }
+        }
+        failed = std::ferror(*file) != 0;
+    }
+    failed |= trv_fclose(name, file) != 0 && trv_hasgz(name);
+    if (status == 0 && failed) status = env_error(env, 1423, name);
+    return status;
 }
 
 void trv_stem(char *out, const char *name) {
@@ -199,6 +226,20 @@ int rw_gets(rw_input *in, char *buf, int size) {
     }
     buf[n] = '\0';
     return n;
+}
+
+int rw_getline(rw_input *in, char **buf, int *cap, int *len) {
+    int n = 0;
+    for (;;) {
+        int got = rw_gets(in, *buf + n, *cap - n);
+        n += got;
+        if (got == 0 || (*buf)[n - 1] == '\n' || n < *cap - 1) break;
+        if (*cap > 1000000000) return 1001;
+        if (trv_grow(buf, static_cast<size_t>(2 * *cap)) != 0) return 1001;
+        *cap *= 2;
+    }
+    *len = n;
+    return 0;
 }
 
 /* ---- the record of a read model ------------------------------------------------ */

@@ -17,7 +17,16 @@ bool trv_hasgz(const char *name);
 FILE *trv_fopen(TRVenv env, const char *name, const char *mode,
                 const char *suffix, int quiet, int allowgz, int *status_p);
 FILE *trv_wfopen(const char *name, const char *mode, int allowgz);
-void trv_fclose(const char *name, FILE **file);
+/* Closes a file or a pipe and nulls the handle; nonzero when the close
+ * failed or the pipe's program ended in error. */
+int trv_fclose(const char *name, FILE **file);
+/* Closes a file that a reader has read, given the reader's status. With a
+ * status of 0 the rest of a pipe is read first, so that the decompressor
+ * runs to its end, and a stream that ended in error (a read error, or a
+ * decompressor that failed on a damaged or truncated file) makes the read
+ * fail: 1423 printed, its negative returned. Any other status is returned
+ * as it is. */
+int trv_rclose(TRVenv env, const char *name, FILE **file, int status);
 /* The name without compression suffix and without its last extension. */
 void trv_stem(char *out, const char *name);
 int trv_tempfile(TRVenv env, const char *directory, const char *stem,
@@ -38,6 +47,10 @@ int rw_open_input(rw_input *in, FILE *fp);
 void rw_close_input(rw_input *in);
 /* Length of the line put in buf (terminated); 0 at the end of the file. */
 int rw_gets(rw_input *in, char *buf, int size);
+/* One whole line, however long, into *buf, which grows on the library's
+ * allocator (*cap its size, at least 2 on entry); *len is its length, 0 at
+ * the end of the file. 0, or 1001 when memory runs out. */
+int rw_getline(rw_input *in, char **buf, int *cap, int *len);
 
 /* ---- decimal conversion ---------------------------------------------------- */
 

@@ -11,24 +11,9 @@
 
 #include "support/kkt.h"
 #include "support/model.h"
+#include "support/tempdir.h"
 
 namespace {
-
-/* A temporary folder, removed with its files at the end of the test. */
-struct TempDir {
-    std::string path;
-    TempDir() {
-        std::string tmpl =
-            (std::filesystem::temp_directory_path() / "trvbasXXXXXX").string();
-        char *d = mkdtemp(tmpl.data());
-        path = d != nullptr ? d : ".";
-    }
-    ~TempDir() {
-        std::error_code ec;
-        std::filesystem::remove_all(path, ec);
-    }
-    std::string file(const std::string &name) const { return path + "/" + name; }
-};
 
 bool exists(const std::string &p) { return std::filesystem::exists(p); }
 

@@ -3,7 +3,10 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <fstream>
+#include <iterator>
 #include <string>
+#include <unistd.h>
 
 #include "fmt_util.h"
 #include "store/lp.h"
@@ -119,6 +122,89 @@ TEST(ReadCopy, CompressedFilesComeThroughGzip) {
     ASSERT_EQ(p.read(gzip_file("z.lp.GZ", SMALL_LP)), 0) << p.te.err;
     EXPECT_EQ(TRVgetnumrows(p.te.env, p.lp), 1);
     ASSERT_EQ(p.read(gzip_file("quote'd name.mps.gz", SMALL_MPS)), 0) << p.te.err;
+}
+
+namespace {
+
+std::string bytes_of(const std::string &path) {
+    std::ifstream in(path, std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(in), {});
+}
+
+std::string put_bytes(const std::string &name, const std::string &bytes) {
+    std::string path = scratch_dir() + "/" + name;
+    std::ofstream(path, std::ios::binary) << bytes;
+    return path;
+}
+
+/* The two halves of a model, each readable on its own: the first a smaller
+ * model than the whole. */
+struct Halves {
+    const char *suffix, *head, *tail;
+};
+const Halves HALVES[] = {
+    {".mps.gz", "NAME CUT\nROWS\n N obj\n G c1\n G c2\nCOLUMNS\n    x obj 1 c1 1\n"
+                "    x c2 1\nRHS\n    RHS c1 1\n",
+     "    RHS c2 5\nENDATA\n"},
+    {".lp.gz", "min: x\nst\n c1: x >= 1\n", " c2: x >= 5\nend\n"},
+};
+
+}  // namespace
+
+TEST(ReadCopy, DamagedCompressedFilesAreRefusedByBothReaders) {
+    if (!have_gzip()) GTEST_SKIP() << "no gzip";
+    for (const Halves &h : HALVES) {
+        std::string whole = std::string(h.head) + h.tail, sfx = h.suffix;
+        Prob p;
+        int cols = TRVgetnumcols(p.te.env, p.lp);
+        ASSERT_EQ(p.read(gzip_file("whole" + sfx, whole)), 0) << p.te.err;
+        double rhs;
+        ASSERT_EQ(TRVgetrhs(p.te.env, p.lp, &rhs, TRVgetnumrows(p.te.env, p.lp) - 1,
+                            TRVgetnumrows(p.te.env, p.lp) - 1), 0);
+        EXPECT_EQ(rhs, 5.0);
+        /* two members, the second cut in its header: gzip gives the first
+         * whole, a model of its own, and then fails */
+        std::string first = bytes_of(gzip_file("first" + sfx, h.head));
+        std::string second = bytes_of(gzip_file("second" + sfx, h.tail));
+        Prob q;
+        std::string cut = put_bytes("cut" + sfx, first + second.substr(0, 6));
+        EXPECT_EQ(q.read(cut), 1423) << sfx;
+        EXPECT_EQ(q.te.err, "TORVA Error  1423: Could not open file '" + cut + "' for reading.\n");
+        EXPECT_EQ(TRVgetnumcols(q.te.env, q.lp), cols);
+        ASSERT_EQ(q.read(put_bytes("both" + sfx, first + second)), 0) << q.te.err;
+        /* a wrong check sum behind a complete stream; a flipped byte
+         * inside it; a plain cut in the middle */
+        std::string gz = bytes_of(gzip_file("w" + sfx, whole));
+        std::string crc = gz, mid = gz;
+        crc[crc.size() - 6] ^= 0x55;
+        mid[mid.size() / 2] ^= 0x55;
+        EXPECT_EQ(q.read(put_bytes("crc" + sfx, crc)), 1423) << sfx;
+        EXPECT_NE(q.read(put_bytes("mid" + sfx, mid)), 0) << sfx;
+        EXPECT_NE(q.read(put_bytes("half" + sfx, gz.substr(0, gz.size() / 2))), 0) << sfx;
+        EXPECT_EQ(TRVgetnumcols(q.te.env, q.lp), 1);
+    }
+}
+
+TEST(ReadCopy, CompressedFilesAreReadToTheirEnd) {
+    if (!have_gzip()) GTEST_SKIP() << "no gzip";
+    /* text after the model's end is read off, so that gzip is not cut
+     * short of its output */
+    std::string comments;
+    while (comments.size() < 4000000) comments += "* a line of comment after the end\n";
+    Prob p;
+    EXPECT_EQ(p.read(gzip_file("tail.mps.gz", std::string(SMALL_MPS) + comments)), 0)
+        << p.te.err;
+    EXPECT_EQ(p.read(gzip_file("tail.lp.gz", std::string(SMALL_LP) + comments)), 0)
+        << p.te.err;
+    /* a name that starts with a dash is a file name, not an option */
+    std::string dash = gzip_file("-dash.mps.gz", SMALL_MPS);
+    char cwd[4096];
+    ASSERT_NE(getcwd(cwd, sizeof cwd), nullptr);
+    ASSERT_EQ(chdir(scratch_dir().c_str()), 0);
+    int status = p.read("-dash.mps.gz");
+    ASSERT_EQ(chdir(cwd), 0);
+    EXPECT_EQ(status, 0) << p.te.err;
+    EXPECT_EQ(TRVgetnumcols(p.te.env, p.lp), 2);
 }
 
 TEST(ReadCopy, FailuresLeaveThePreviousModel) {
