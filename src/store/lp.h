@@ -117,6 +117,15 @@ void lp_free_records(TRVenv env, TRVlp lp);
 int lp_check_matrix(TRVenv env, int numcols, int numrows, const int *matbeg,
                     const int *matcnt, const int *matind);
 
+/* The caller's values of a model held scaled, in arrays of their own (all
+ * null when the model is not scaled): what a copy of the model takes. 0 or
+ * 1001. */
+struct lp_unscaled {
+    double *obj, *lb, *ub, *rhs, *rngval, *matval;
+};
+int lp_unscaled_copy(const lp_data *d, lp_unscaled *u);
+void lp_unscaled_free(lp_unscaled *u);
+
 /* Change notification: drops what a change of the given code makes stale. */
 void invalidate(TRVenv env, TRVlp lp, int code);
 
