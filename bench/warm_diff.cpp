@@ -5,7 +5,10 @@
  * test's own model (tests/support/warmdiff.h has the rules).
  *
  *   warm_diff [--sequences N] [--steps K] [--seed S] [--examples E] [--nonetlib]
+ *             [--display]
  *
+ * --seed S --sequences 1 repeats one sequence of an example; --display
+ * shows the log of every solve on the screen.
  * Prints the count of sequences, how many agree, the first faults by kind,
  * a few examples, and a last line of figures. The netlib folder comes from
  * TRV_DATA_DIR (the environment) or the build's setting. */
@@ -33,6 +36,7 @@ int main(int argc, char **argv) {
     int sequences = 3000, steps = 8, examples = 12;
     unsigned seed0 = 1;
     bool netlib = true;
+    int display = 0;
     for (int a = 1; a < argc; a++) {
         std::string s = argv[a];
         if (s == "--sequences" && a + 1 < argc) sequences = std::atoi(argv[++a]);
@@ -40,14 +44,20 @@ int main(int argc, char **argv) {
         else if (s == "--seed" && a + 1 < argc) seed0 = static_cast<unsigned>(std::atoi(argv[++a]));
         else if (s == "--examples" && a + 1 < argc) examples = std::atoi(argv[++a]);
         else if (s == "--nonetlib") netlib = false;
+        else if (s == "--display") display = 1;
         else {
             std::fprintf(stderr, "usage: warm_diff [--sequences N] [--steps K] [--seed S] "
-                                 "[--examples E] [--nonetlib]\n");
+                                 "[--examples E] [--nonetlib] [--display]\n");
             return 2;
         }
     }
     TestEnv t;
     TRVsetintparam(t.env, 1019, 0);
+    if (display) {
+        TRVsetintparam(t.env, 1019, 1);
+        TRVsetintparam(t.env, 1035, 1);
+        warmdiff::trace = true;
+    }
     warmdiff::Pool pool;
     if (netlib) {
         std::string dir = data_dir(TRV_DATA_DIR) + "/netlib/";
@@ -64,6 +74,7 @@ int main(int argc, char **argv) {
         unsigned seed = seed0 + static_cast<unsigned>(k);
         std::string fault = warmdiff::run_sequence(t.env, pool.pick(seed), seed, steps, &tally.solves);
         warmdiff::record(tally, fault, static_cast<size_t>(examples));
+        if (display && !fault.empty()) std::printf("%s\n", fault.c_str());
         t.clear();
     }
     double secs = std::chrono::duration<double>(std::chrono::steady_clock::now() - t0).count();

@@ -198,6 +198,9 @@ inline std::string compare(const Outcome &w, const Outcome &c) {
     return "";
 }
 
+/* Prints each step of a sequence (the bench's --display). */
+inline bool trace = false;
+
 /* The kinds of change. */
 enum Kind {
     K_BOUND, K_OBJ, K_RHS, K_SENSE, K_COEF, K_RANGE, K_ADDROWS, K_ADDCOLS, K_DELROWS,
@@ -478,6 +481,7 @@ inline std::string run_sequence(TRVenv env, const Model &start, unsigned seed, i
     if (first.rc != 0) fail("error " + std::to_string(first.rc), 0, "");
     std::string history;
     for (int step = 1; step <= steps && fault.empty(); step++) {
+        history.clear();
         int nch = 1 + ch.pick(3);
         for (int c = 0; c < nch; c++) {
             int k = ch.pick(K_COUNT);
@@ -507,6 +511,9 @@ inline std::string run_sequence(TRVenv env, const Model &start, unsigned seed, i
         Outcome c = solve(env, fresh, md, dual);
         TRVfreeprob(env, &fresh);
         if (solves) *solves += 2;
+        if (trace)
+            std::printf("step %d:%s -> warm %d (%d its, %.9g), cold %d (%d its, %.9g)\n", step,
+                        what.c_str(), w.stat, w.its, w.obj, c.stat, c.its, c.obj);
         std::string why = compare(w, c);
         if (!why.empty()) fail(why, step, what);
         std::string d = compare_model(env, lp, ref);
