@@ -57,7 +57,8 @@ static int build_rowwise(const simplex_lp *s, dual_state *ds) {
     ds->ar_idx = trv_alloc<int>(nz);
     ds->ar_val = trv_alloc<double>(nz);
     ds->ar_k = trv_alloc<int>(nz);
-    ds->ar_pos = trv_alloc<int>(s->col_end[nt > 0 ? nt - 1 : 0] + 1);
+    /* one place per entry of the columns 0..ntotal-1, which start at 0 */
+    ds->ar_pos = trv_alloc<int>(nz + 1);
     if (!ds->ar_beg || !ds->ar_nnb || !ds->ar_idx || !ds->ar_val || !ds->ar_k || !ds->ar_pos)
         return 1001;
     for (int j = 0; j < nt; j++)

@@ -137,6 +137,22 @@ static void solve_restart(TRVenv env, TRVlp lp) {
                                         : "Load of restart from file failed.\n");
 }
 
+/* A column whose lower bound lies above its upper bound by more than the
+ * feasibility tolerance, in the caller's units, or -1. No point meets such
+ * bounds: the model is infeasible before any run, as presolve's column
+ * pass would find it. */
+static int crossed_bounds(TRVenv env, TRVlp lp) {
+    const lp_data *d = lp->lpdata;
+    double tol = par_dbl(env, 1016);
+    for (int j = 0; j < d->ncols; j++) {
+        if (d->lb[j] <= -TRV_INF || d->ub[j] >= TRV_INF || d->lb[j] <= d->ub[j]) continue;
+        double gap = d->lb[j] - d->ub[j];
+        if (d->colscale != nullptr) gap /= d->colscale[j];
+        if (gap > tol) return j;
+    }
+    return -1;
+}
+
 /* The procedure around a simplex driver, the same for both: checks,
  * scaling, the run, the clean-up run when its optimum fails in the caller's
  * units, the solution record, and the final basis kept for a later warm
@@ -158,6 +174,16 @@ int solve_simplex(TRVenv env, TRVlp lp, int method, solve_run_fn run) {
      * lp, its solution carried back by postsolve, and a solution that is
      * not valid for the original problem cleaned up below. For now the
      * driver works on the problem itself. */
+
+    int crossed = crossed_bounds(env, lp);
+    if (crossed >= 0) {
+        /* the stored basis stays for a run after the bounds are mended */
+        if (par_int(env, 1019) != 0)
+            TRVmsg(env->reschannel, "Bound infeasibility column '%.255s'.\n",
+                   env_varname(env, lp->lpdata->colname, lp->lpdata->ncols, crossed));
+        lp->stat = LPS_INFEASIBLE;
+        return 0;
+    }
 
     int scale_status = lp_scale(env, lp, par_int(env, 1034));
     if (scale_status != 0) {

@@ -88,3 +88,65 @@ TEST(Clone, SolvedProblemClonesTheCallersModel) {
     }
     TRVfreeprob(t.env, &lp);
 }
+
+/* Crossed bounds, from the model or from TRVchgbds, make the model
+ * infeasible by either method; mended, the model solves again from the
+ * kept basis. */
+TEST(CrossedBounds, InfeasibleByEitherMethod) {
+    TestEnv t;
+    TRVsetintparam(t.env, 1019, 0);
+    Model md;
+    md.row('L', 4.0);
+    md.col(-1.0, 3.0, 1.0, {{0, 1.0}});
+    md.col(-1.0, 0.0, 2.0, {{0, 1.0}});
+    for (bool dual : {false, true}) {
+        TRVlp lp = md.copy_into(t.env);
+        EXPECT_EQ(run(t.env, lp, dual), 2) << dual;
+        int j = 0;
+        char u = 'U';
+        double v = 3.5;
+        ASSERT_EQ(TRVchgbds(t.env, lp, 1, &j, &u, &v), 0);
+        EXPECT_EQ(run(t.env, lp, dual), 1) << dual;
+        double z = 0.0;
+        ASSERT_EQ(TRVgetobjval(t.env, lp, &z), 0);
+        EXPECT_NEAR(z, -4.0, 1e-9);
+        /* through a change after a solve: 3.5 <= x0 <= 0.5 */
+        v = 0.5;
+        ASSERT_EQ(TRVchgbds(t.env, lp, 1, &j, &u, &v), 0);
+        EXPECT_EQ(run(t.env, lp, dual), 2) << dual;
+        EXPECT_EQ(run(t.env, lp, !dual), 2) << dual;
+        TRVfreeprob(t.env, &lp);
+    }
+}
+
+/* Models without columns, without rows, or without either solve to the
+ * optimum 0 (or their constant) by each method. */
+TEST(EmptyModel, EveryMethodSolvesIt) {
+    TestEnv t;
+    TRVsetintparam(t.env, 1019, 0);
+    Model rows_only;
+    rows_only.row('L', 1.0);
+    rows_only.row('G', -2.0);
+    rows_only.row('E', 0.0);
+    Model cols_only;
+    cols_only.col(1.0, 0.0, 4.0, {});
+    cols_only.col(-2.0, -1.0, 3.0, {});
+    Model none;
+    struct Case {
+        const Model *md;
+        double z;
+        const char *what;
+    } cases[] = {{&rows_only, 0.0, "rows only"}, {&cols_only, -6.0, "columns only"},
+                 {&none, 0.0, "nothing"}};
+    for (const Case &c : cases)
+        for (bool dual : {false, true}) {
+            TRVlp lp = c.md->copy_into(t.env);
+            ASSERT_NE(lp, nullptr) << c.what;
+            EXPECT_EQ(run(t.env, lp, dual), 1) << c.what;
+            Result r = result_of(t.env, lp, *c.md);
+            EXPECT_NEAR(r.obj, c.z, 1e-12) << c.what;
+            EXPECT_EQ(r.kkt, "") << c.what;
+            EXPECT_EQ(run(t.env, lp, !dual), 1) << c.what << ", again";
+            TRVfreeprob(t.env, &lp);
+        }
+}
