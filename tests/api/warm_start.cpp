@@ -17,6 +17,18 @@
 
 namespace {
 
+struct Basis {
+    std::vector<int> cstat, rstat;
+};
+
+Basis basis_of(TRVenv env, TRVlp lp) {
+    Basis b;
+    b.cstat.resize(TRVgetnumcols(env, lp));
+    b.rstat.resize(TRVgetnumrows(env, lp));
+    EXPECT_EQ(TRVgetbase(env, lp, b.cstat.data(), b.rstat.data()), 0);
+    return b;
+}
+
 int run(TRVenv env, TRVlp lp, bool dual) {
     EXPECT_EQ(dual ? TRVdualopt(env, lp) : TRVprimopt(env, lp), 0);
     return TRVgetstat(env, lp);
@@ -43,6 +55,76 @@ Result result_of(TRVenv env, TRVlp lp, const Model &md) {
     s.obj = r.obj;
     r.kkt = check_kkt(md, s, 1e-6);
     return r;
+}
+
+/* The changed model md solved by one method from basis b given to a fresh
+ * copy. */
+Result from_copied_basis(TRVenv env, const Model &md, const Basis &b, bool dual) {
+    TRVlp lp = md.copy_into(env);
+    EXPECT_NE(lp, nullptr);
+    EXPECT_EQ(TRVcopybase(env, lp, b.cstat.data(), b.rstat.data()), 0);
+    run(env, lp, dual);
+    Result r = result_of(env, lp, md);
+    TRVfreeprob(env, &lp);
+    return r;
+}
+
+Result cold(TRVenv env, const Model &md, bool dual) {
+    TRVlp lp = md.copy_into(env);
+    run(env, lp, dual);
+    Result r = result_of(env, lp, md);
+    TRVfreeprob(env, &lp);
+    return r;
+}
+
+void expect_same(const Result &got, const Result &want, const std::string &what) {
+    EXPECT_EQ(got.stat, want.stat) << what;
+    if (got.stat != 1 || want.stat != 1) return;
+    EXPECT_NEAR(got.obj, want.obj, 1e-6 * (1.0 + std::fabs(want.obj))) << what;
+    EXPECT_EQ(got.kkt, "") << what;
+}
+
+/* Sets entry (i, j) in the plain copy of the model. */
+void set_coef(Model &md, int i, int j, double v) {
+    for (int k = md.matbeg[j]; k < md.matbeg[j] + md.matcnt[j]; k++)
+        if (md.matind[k] == i) {
+            md.matval[k] = v;
+            return;
+        }
+    Model out = md;
+    out.matind.clear(), out.matval.clear();
+    for (int c = 0; c < md.ncols(); c++) {
+        out.matbeg[c] = static_cast<int>(out.matind.size());
+        for (int k = md.matbeg[c]; k < md.matbeg[c] + md.matcnt[c]; k++)
+            out.matind.push_back(md.matind[k]), out.matval.push_back(md.matval[k]);
+        if (c == j) out.matind.push_back(i), out.matval.push_back(v);
+        out.matcnt[c] = static_cast<int>(out.matind.size()) - out.matbeg[c];
+    }
+    md = out;
+}
+
+/* A coefficient change after a solve by `first`, then a warm solve by
+ * `second` in place and through a fresh copy with the kept basis; both end
+ * as a cold start of the changed model by `second` does. */
+[[maybe_unused]] void coef_case(const Model &md0, int i, int j, double v, const std::string &name) {
+    TestEnv t;
+    TRVsetintparam(t.env, 1019, 0);
+    Model md = md0;
+    set_coef(md, i, j, v);
+    for (bool first : {false, true})
+        for (bool second : {false, true}) {
+            std::string what = name + (first ? " dual" : " primal") +
+                               (second ? " then dual" : " then primal");
+            TRVlp lp = md0.copy_into(t.env);
+            run(t.env, lp, first);
+            Basis b = basis_of(t.env, lp);
+            ASSERT_EQ(TRVchgcoef(t.env, lp, i, j, v), 0);
+            run(t.env, lp, second);
+            Result want = cold(t.env, md, second);
+            expect_same(result_of(t.env, lp, md), want, what + ", in place");
+            expect_same(from_copied_basis(t.env, md, b, second), want, what + ", copied basis");
+            TRVfreeprob(t.env, &lp);
+        }
 }
 
 }  // namespace
@@ -149,4 +231,28 @@ TEST(EmptyModel, EveryMethodSolvesIt) {
             EXPECT_EQ(run(t.env, lp, !dual), 1) << c.what << ", again";
             TRVfreeprob(t.env, &lp);
         }
+}
+
+/* A free column that the basis leaves nonbasic with a zero reduced cost is
+ * optimal where it stands. */
+TEST(WarmStart, FreeNonbasicColumnWithZeroReducedCost) {
+    TestEnv t;
+    TRVsetintparam(t.env, 1019, 0);
+    Model md;
+    md.row('E', 1.0);
+    md.col(1.0, 0.0, 4.0, {{0, 1.0}});
+    md.col(0.0, -1e20, 1e20, {{0, 1.0}});
+    md.col(0.0, -1e20, 1e20, {{0, -1.0}});
+    TRVlp lp = md.copy_into(t.env);
+    EXPECT_EQ(run(t.env, lp, false), 1) << "cold primal";
+    expect_same(result_of(t.env, lp, md), Result{1, 0.0, ""}, "cold primal");
+    TRVfreeprob(t.env, &lp);
+    lp = md.copy_into(t.env);
+    EXPECT_EQ(run(t.env, lp, true), 1);
+    Basis b = basis_of(t.env, lp);
+    EXPECT_EQ(run(t.env, lp, false), 1) << "primal after the dual";
+    expect_same(result_of(t.env, lp, md), Result{1, 0.0, ""}, "primal after the dual");
+    expect_same(from_copied_basis(t.env, md, b, false), Result{1, 0.0, ""},
+                "primal from the dual's basis, copied");
+    TRVfreeprob(t.env, &lp);
 }
