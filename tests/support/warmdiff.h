@@ -204,11 +204,11 @@ inline bool trace = false;
 /* The kinds of change. */
 enum Kind {
     K_BOUND, K_OBJ, K_RHS, K_SENSE, K_COEF, K_RANGE, K_ADDROWS, K_ADDCOLS, K_DELROWS,
-    K_DELCOLS, K_OBJSEN, K_COUNT
+    K_DELCOLS, K_OBJSEN, K_SINGULAR, K_COUNT
 };
 inline const char *kind_name(int k) {
     static const char *n[] = {"bound", "obj", "rhs", "sense", "coef", "range",
-                              "addrows", "addcols", "delrows", "delcols", "objsen"};
+                              "addrows", "addcols", "delrows", "delcols", "objsen", "singular"};
     return n[k];
 }
 
@@ -429,6 +429,39 @@ struct Changer {
             }
             return rc;
         }
+        case K_SINGULAR: {
+            /* a column of the kept basis made equal to another basic
+             * column, or one of its entries dropped: the basis turns
+             * singular */
+            std::vector<int> cstat(n + 1), rstat(m + 1), basic;
+            if (n == 0 || m == 0 || TRVgetbase(env, lp, cstat.data(), rstat.data()) != 0) return 0;
+            for (int j = 0; j < n; j++)
+                if (cstat[j] == 1) basic.push_back(j);
+            if (basic.empty()) return 0;
+            int j2 = basic[pick(static_cast<int>(basic.size()))];
+            if (basic.size() < 2 || pick(2) == 0) {
+                if (ref.col[j2].empty()) return 0;
+                auto it = ref.col[j2].begin();
+                std::advance(it, pick(static_cast<int>(ref.col[j2].size())));
+                int i = it->first;
+                int rc = TRVchgcoef(env, lp, i, j2, 0.0);
+                if (rc == 0) ref.col[j2].erase(i);
+                return rc;
+            }
+            int j1 = j2;
+            while (j1 == j2) j1 = basic[pick(static_cast<int>(basic.size()))];
+            std::map<int, double> want = ref.col[j1];
+            for (int i = 0; i < m; i++) {
+                double v = want.count(i) ? want[i] : 0.0;
+                double old = ref.col[j2].count(i) ? ref.col[j2][i] : 0.0;
+                if (v == old) continue;
+                int rc = TRVchgcoef(env, lp, i, j2, v);
+                if (rc != 0) return rc;
+                if (v == 0.0) ref.col[j2].erase(i);
+                else ref.col[j2][i] = v;
+            }
+            return 0;
+        }
         case K_OBJSEN: {
             int s = -ref.objsen;
             int rc = TRVchgobjsen(env, lp, s);
@@ -506,11 +539,32 @@ inline std::string run_sequence(TRVenv env, const Model &start, unsigned seed, i
                 TRVfreeprob(env, &c);
             }
         }
+        /* the kept basis, for a fresh copy started from it by TRVcopybase */
+        std::vector<int> cstat(ref.ncols() + 1), rstat(ref.nrows() + 1);
+        bool copied = ch.pick(3) == 0 &&
+                      TRVgetbase(env, lp, cstat.data(), rstat.data()) == 0;
+        /* half the warm runs with another pricing */
+        int par = dual ? 1009 : 1029, keep = 0;
+        TRVgetintparam(env, par, &keep);
+        int pricing = ch.pick(2) == 0 ? (dual ? ch.pick(6) : ch.pick(5)) : keep;
+        TRVsetintparam(env, par, pricing);
         Outcome w = solve(env, lp, md, dual);
+        TRVsetintparam(env, par, keep);
+        what += " pricing " + std::to_string(pricing);
         TRVlp fresh = md.copy_into(env);
         Outcome c = solve(env, fresh, md, dual);
         TRVfreeprob(env, &fresh);
         if (solves) *solves += 2;
+        if (copied) {
+            fresh = md.copy_into(env);
+            int rc = TRVcopybase(env, fresh, cstat.data(), rstat.data());
+            if (rc != 0) fail("TRVcopybase " + std::to_string(rc), step, what);
+            Outcome b = solve(env, fresh, md, dual);
+            TRVfreeprob(env, &fresh);
+            if (solves) ++*solves;
+            std::string why = compare(b, c);
+            if (!why.empty()) fail("copied basis: " + why, step, what);
+        }
         if (trace)
             std::printf("step %d:%s -> warm %d (%d its, %.9g), cold %d (%d its, %.9g)\n", step,
                         what.c_str(), w.stat, w.its, w.obj, c.stat, c.its, c.obj);
