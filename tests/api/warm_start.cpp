@@ -256,3 +256,32 @@ TEST(WarmStart, FreeNonbasicColumnWithZeroReducedCost) {
                 "primal from the dual's basis, copied");
     TRVfreeprob(t.env, &lp);
 }
+
+namespace {
+
+std::string repro(const char *name) {
+    return std::string(TRV_SOURCE_TESTS) + "/api/data/" + name;
+}
+
+}  // namespace
+
+/* The primal from the basis where the dual proved infeasibility proves it
+ * too, in a few dozen iterations, as a cold primal does. */
+TEST(WarmStart, PrimalFromTheDualsInfeasibleEnd) {
+    TestEnv t;
+    TRVsetintparam(t.env, 1019, 0);
+    int st = 0;
+    TRVlp lp = TRVcreateprob(t.env, &st, "blend");
+    ASSERT_EQ(TRVreadcopyprob(t.env, lp, repro("d-blend-stall.mps").c_str(), nullptr), 0);
+    ASSERT_EQ(run(t.env, lp, true), 2);
+    Basis b = basis_of(t.env, lp);
+    EXPECT_EQ(run(t.env, lp, false), 2);
+    EXPECT_LT(TRVgetitcnt(t.env, lp), 500);
+    TRVlp fresh = TRVcreateprob(t.env, &st, "blend");
+    ASSERT_EQ(TRVreadcopyprob(t.env, fresh, repro("d-blend-stall.mps").c_str(), nullptr), 0);
+    ASSERT_EQ(TRVcopybase(t.env, fresh, b.cstat.data(), b.rstat.data()), 0);
+    EXPECT_EQ(run(t.env, fresh, false), 2);
+    EXPECT_LT(TRVgetitcnt(t.env, fresh), 500);
+    TRVfreeprob(t.env, &fresh);
+    TRVfreeprob(t.env, &lp);
+}
