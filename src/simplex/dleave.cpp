@@ -139,7 +139,11 @@ static void after_refactor(TRVlp lp) {
 /* The proof of a row without an entering variable, with every entry of the
  * row above round-off counted: the nonbasic variables can move the
  * leaving one toward its bound by at most the sum of |alpha| times their
- * room, which must fall short of its violation. */
+ * room, which must fall short of its violation. Round-off is what the
+ * ratio test leaves out as such: an entry it will not pivot on must not
+ * stand against the proof either, or in an ill-conditioned basis a row
+ * whose only other entries are noise is neither a pivot nor a proof, and
+ * the run ends without a decision. */
 static bool row_proves_infeasibility(TRVlp lp, int dir, double slope) {
     const simplex_iter *it = &lp->solver->it;
     const dual_state *ds = lp->dual;
@@ -148,7 +152,7 @@ static bool row_proves_infeasibility(TRVlp lp, int dir, double slope) {
         int j = ds->prow_idx[k];
         double a = dir * ds->prow[j];
         int st = it->status[j];
-        if (st == 1 || std::fabs(a) <= 1e-11) continue; /* round-off */
+        if (st == 1 || std::fabs(a) <= DR_TINY) continue; /* round-off, as in the ratio test */
         double up = ds->up_on[j] ? ds->upper[j] - it->x[j] : PR_BIG;
         double down = ds->lo_on[j] ? it->x[j] - ds->lower[j] : PR_BIG;
         /* a > 0: the variable rising helps; a < 0: falling helps */

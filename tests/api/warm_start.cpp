@@ -285,3 +285,24 @@ TEST(WarmStart, PrimalFromTheDualsInfeasibleEnd) {
     TRVfreeprob(t.env, &fresh);
     TRVfreeprob(t.env, &lp);
 }
+
+/* The dual from the basis where the primal (steepest edge) proved
+ * infeasibility ends infeasible too. */
+TEST(WarmStart, DualFromThePrimalsInfeasibleEnd) {
+    TestEnv t;
+    TRVsetintparam(t.env, 1019, 0);
+    int st = 0;
+    TRVlp lp = TRVcreateprob(t.env, &st, "boeing2");
+    ASSERT_EQ(TRVreadcopyprob(t.env, lp, repro("e-boeing2-dual9.mps").c_str(), nullptr), 0);
+    TRVsetintparam(t.env, 1029, 2);
+    ASSERT_EQ(run(t.env, lp, false), 2);
+    TRVsetintparam(t.env, 1029, 0);
+    Basis b = basis_of(t.env, lp);
+    EXPECT_EQ(run(t.env, lp, true), 2);
+    TRVlp fresh = TRVcreateprob(t.env, &st, "boeing2");
+    ASSERT_EQ(TRVreadcopyprob(t.env, fresh, repro("e-boeing2-dual9.mps").c_str(), nullptr), 0);
+    ASSERT_EQ(TRVcopybase(t.env, fresh, b.cstat.data(), b.rstat.data()), 0);
+    EXPECT_EQ(run(t.env, fresh, true), 2);
+    TRVfreeprob(t.env, &fresh);
+    TRVfreeprob(t.env, &lp);
+}
