@@ -233,7 +233,7 @@ static double unscaled_violation(TRVlp lp, int dual) {
             double x = it->x[j], v = 0.0;
             if (ds->lo_on[j] && x < ds->lower[j]) v = ds->lower[j] - x;
             if (ds->up_on[j] && x > ds->upper[j]) v = x - ds->upper[j];
-            if (v == 0.0 || j >= s->ntotal) continue;
+            if (v == 0.0) continue; /* an artificial: its row's violation */
             v = j < s->nstruct ? v / d->colscale[j] : v * d->rowscale[s->row_of_var[j]];
             if (v > worst) worst = v;
         }

@@ -48,7 +48,8 @@ static void solve_measure(const TRVlp lp, double *pinf, double *dinf) {
     const simplex_iter *it = &lp->solver->it;
     const double *cs = d->colscale, *rs = d->rowscale;
     double pw = 0.0, dw = 0.0;
-    for (int j = 0; j < s->ntotal; j++) {
+    /* the artificial of an equality row is that row's violation */
+    for (int j = 0; j < s->ncoltot; j++) {
         double f = 1.0;
         if (cs != nullptr) f = j < s->n ? 1.0 / cs[j] : rs[s->row_of_var[j]];
         double x = it->x[j], v = 0.0;
@@ -56,7 +57,7 @@ static void solve_measure(const TRVlp lp, double *pinf, double *dinf) {
         if (s->has_upper[j] && x > s->upper[j]) v = x - s->upper[j];
         if (v * f > pw) pw = v * f;
         int st = it->status[j];
-        if (st == 1 || it->d == nullptr) continue;
+        if (st == 1 || it->d == nullptr || j >= s->ntotal) continue;
         if (s->has_lower[j] && s->has_upper[j] && s->lower[j] >= s->upper[j]) continue;
         double dj = it->d[j], e = 0.0;
         if (st == 0) e = -dj;
