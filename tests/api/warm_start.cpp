@@ -106,7 +106,7 @@ void set_coef(Model &md, int i, int j, double v) {
 /* A coefficient change after a solve by `first`, then a warm solve by
  * `second` in place and through a fresh copy with the kept basis; both end
  * as a cold start of the changed model by `second` does. */
-[[maybe_unused]] void coef_case(const Model &md0, int i, int j, double v, const std::string &name) {
+void coef_case(const Model &md0, int i, int j, double v, const std::string &name) {
     TestEnv t;
     TRVsetintparam(t.env, 1019, 0);
     Model md = md0;
@@ -305,4 +305,70 @@ TEST(WarmStart, DualFromThePrimalsInfeasibleEnd) {
     EXPECT_EQ(run(t.env, fresh, true), 2);
     TRVfreeprob(t.env, &fresh);
     TRVfreeprob(t.env, &lp);
+}
+
+/* A coefficient change that makes the kept basis singular: the repair
+ * may fix a variable for a while, but the run ends as a cold start. */
+TEST(WarmStart, SingularKeptBasisAfterACoefficientChange) {
+    Model a;
+    a.objsen = -1;
+    a.row('L', -530.0);
+    a.row('L', 95.0);
+    a.col(1.0, 0.0, 88.0, {{0, 5.0}});
+    a.col(6.0, -50.0, 50.0, {{0, 10.0}});
+    a.col(18.0, 0.0, 52.0, {{0, -2.0}, {1, 3.0}});
+    coef_case(a, 1, 2, 0.0, "max 680.4");
+
+    Model b; /* unbounded once x1 leaves its row */
+    b.row('L', 4.0);
+    b.row('L', 3.0);
+    b.col(-1.0, 0.0, 1e20, {{0, 1.0}});
+    b.col(-1.0, 0.0, 1e20, {{1, 1.0}});
+    coef_case(b, 0, 0, 0.0, "unbounded");
+
+    Model c; /* a range row loses its entry of the basic column */
+    c.row('L', 6.0);
+    c.row('R', 1.0, 3.0);
+    c.col(-1.0, 0.0, 5.0, {{0, 1.0}, {1, 1.0}});
+    c.col(-2.0, 0.0, 1e20, {{0, 1.0}, {1, 2.0}});
+    coef_case(c, 1, 1, 0.0, "range row");
+}
+
+/* A copied basis with two equal columns basic, and one with a basic
+ * variable too many, start a run that ends as a cold one. */
+TEST(WarmStart, CopiedBasisSingularOrOneTooMany) {
+    TestEnv t;
+    TRVsetintparam(t.env, 1019, 0);
+    Model md;
+    md.row('G', 2.0);
+    md.row('L', 5.0);
+    md.row('G', 1.0);
+    md.col(1.0, 0.0, 10.0, {{0, 1.0}, {1, 1.0}});
+    md.col(2.0, 0.0, 10.0, {{0, 1.0}, {1, 1.0}});
+    md.col(1.5, 0.0, 10.0, {{0, 1.0}, {2, 1.0}});
+    for (bool dual : {false, true}) {
+        Result want = cold(t.env, md, dual);
+        ASSERT_EQ(want.stat, 1);
+        Basis twins{{1, 1, 0}, {0, 1, 1}};
+        expect_same(from_copied_basis(t.env, md, twins, dual), want, "two equal columns");
+        Basis many{{1, 1, 1}, {1, 1, 1}};
+        expect_same(from_copied_basis(t.env, md, many, dual), want, "all basic");
+        /* the optimal basis of a model with one row more, that row's slack
+         * nonbasic, less that row */
+        Model big;
+        big.row('G', 2.0);
+        big.row('L', 5.0);
+        big.row('G', 1.0);
+        big.row('L', 1.5);
+        big.col(1.0, 0.0, 10.0, {{0, 1.0}, {1, 1.0}, {3, 1.0}});
+        big.col(2.0, 0.0, 10.0, {{0, 1.0}, {1, 1.0}});
+        big.col(1.5, 0.0, 10.0, {{0, 1.0}, {2, 1.0}, {3, 1.0}});
+        TRVlp lp = big.copy_into(t.env);
+        ASSERT_EQ(run(t.env, lp, dual), 1);
+        Basis b = basis_of(t.env, lp);
+        TRVfreeprob(t.env, &lp);
+        ASSERT_EQ(b.rstat[3], 0);
+        b.rstat.pop_back();
+        expect_same(from_copied_basis(t.env, md, b, dual), want, "a row less");
+    }
 }
