@@ -72,6 +72,9 @@ static void solve_measure(const TRVlp lp, double *pinf, double *dinf) {
 /* An optimum that fails the tolerances in the caller's units is not yet a
  * solution of the caller's problem. */
 static bool solve_valid(TRVenv env, TRVlp lp) {
+    /* a run that ended without a decision, on a dead end of numerical
+     * trouble, gets another from its basis with a fresh start */
+    if (lp->stat == LPS_NONOPT_FEAS || lp->stat == LPS_NONOPT_INFEAS) return false;
     if (lp->stat != LPS_OPTIMAL) return lp->stat != LPS_OPT_UNSCALED;
     double pinf, dinf;
     solve_measure(lp, &pinf, &dinf);
@@ -80,13 +83,16 @@ static bool solve_valid(TRVenv env, TRVlp lp) {
 
 /* The clean-up run: the driver once more on the problem itself, unscaled,
  * from the basis the first run returned. When the clean-up cannot finish,
- * the first run's solution stands with status 11. */
+ * the first run's solution stands: an optimum with status 11, a run
+ * without a decision with its own status. */
 static int solve_cleanup(TRVenv env, TRVlp lp, int method, solve_run_fn run, double start,
                          int *itcnt, int *ph1) {
     /* the norms belong to the scaled copy: the clean-up prices afresh */
     int status = start_save(lp, 0);
     if (status != 0) return status;
     lp->start->forced = 1;
+    const int first_stat = lp->stat;
+    const bool undecided = first_stat == LPS_NONOPT_FEAS || first_stat == LPS_NONOPT_INFEAS;
     soln_rec *first = lp->soln;
     lp->soln = nullptr;
     run_release(lp);
@@ -105,8 +111,10 @@ static int solve_cleanup(TRVenv env, TRVlp lp, int method, solve_run_fn run, dou
     par_swap_int(env, 1020, saved);
     *itcnt += it2;
     *ph1 += p2;
-    if (status == 0 && (lp->stat == LPS_OPTIMAL || lp->stat == LPS_OPT_UNSCALED)) {
-        if (!solve_valid(env, lp)) lp->stat = LPS_OPT_UNSCALED;
+    bool optimal = lp->stat == LPS_OPTIMAL || lp->stat == LPS_OPT_UNSCALED;
+    bool decision = undecided && (lp->stat == LPS_INFEASIBLE || lp->stat == LPS_UNBOUNDED);
+    if (status == 0 && (optimal || decision)) {
+        if (optimal && !solve_valid(env, lp)) lp->stat = LPS_OPT_UNSCALED;
         status = solution_store(env, lp, method, *itcnt, *ph1);
         if (status == 0) {
             soln_rec *keep = lp->soln;
@@ -122,7 +130,7 @@ static int solve_cleanup(TRVenv env, TRVlp lp, int method, solve_run_fn run, dou
     lp->soln = first;
     lp->soln->itcnt = *itcnt;
     lp->soln->phase1cnt = *ph1;
-    lp->stat = LPS_OPT_UNSCALED;
+    lp->stat = undecided ? first_stat : LPS_OPT_UNSCALED;
     if (lp->start != nullptr) lp->start->forced = 0;
     return status == 1001 ? 1001 : 0;
 }
