@@ -45,6 +45,7 @@ int main(int argc, char **argv) {
         else if (s == "--examples" && a + 1 < argc) examples = std::atoi(argv[++a]);
         else if (s == "--nonetlib") netlib = false;
         else if (s == "--display") display = 1;
+        else if (s == "--detail") display = 2;
         else {
             std::fprintf(stderr, "usage: warm_diff [--sequences N] [--steps K] [--seed S] "
                                  "[--examples E] [--nonetlib] [--display]\n");
@@ -54,7 +55,7 @@ int main(int argc, char **argv) {
     TestEnv t;
     TRVsetintparam(t.env, 1019, 0);
     if (display) {
-        TRVsetintparam(t.env, 1019, 1);
+        TRVsetintparam(t.env, 1019, display);
         TRVsetintparam(t.env, 1035, 1);
         warmdiff::trace = true;
     }
