@@ -228,7 +228,7 @@ int solve_simplex(TRVenv env, TRVlp lp, int method, solve_run_fn run);
  * is none that fits. */
 int start_load(TRVenv env, TRVlp lp);
 /* The same whatever parameter 1001 says. */
-int start_apply(TRVlp lp);
+int start_apply(TRVenv env, TRVlp lp);
 /* Norms of the stored basis by position into it->dweight; the count of
  * positions left without a norm (0 weight). */
 int start_norms(TRVlp lp);

@@ -141,5 +141,10 @@ int lp_cachecount(const cache_rec *cache, int what);
  * solution marked stale (free_it 0) or freed, the primal state freed. */
 void soln_invalidate(TRVlp lp, int free_it);
 void primal_free(TRVlp lp);
+/* The stored basis, as a deletion sees it: its statuses and norms follow
+ * the rows (rows set) or columns deleted, map being the old index to the
+ * new one or -1; the record itself goes when the deletion failed. */
+void start_delete(TRVlp lp, const int *map, int rows);
+void start_free(TRVlp lp);
 
 #endif

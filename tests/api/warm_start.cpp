@@ -372,3 +372,105 @@ TEST(WarmStart, CopiedBasisSingularOrOneTooMany) {
         expect_same(from_copied_basis(t.env, md, b, dual), want, "a row less");
     }
 }
+
+namespace {
+
+std::string netlib(const char *name) {
+    return std::string(TRV_DATA_DIR) + "/netlib/" + name + ".mps.gz";
+}
+
+}  // namespace
+
+/* A deletion keeps the stored basis, mapped: without the row of a basic
+ * slack, or a nonbasic column, the optimal basis stays optimal and the
+ * re-solve makes no pivot; without the row of a nonbasic slack the basis
+ * has one basic variable too many, and the re-solve ends where a cold
+ * start ends, in fewer iterations. */
+TEST(WarmStart, DeletionKeepsTheBasis) {
+    TestEnv t;
+    TRVsetintparam(t.env, 1019, 0);
+    for (const char *name : {"afiro", "boeing2"}) {
+        std::string file = netlib(name);
+        int st = 0;
+        TRVlp probe = TRVcreateprob(t.env, &st, name);
+        bool have = TRVreadcopyprob(t.env, probe, file.c_str(), nullptr) == 0;
+        TRVfreeprob(t.env, &probe);
+        if (!have) GTEST_SKIP() << file << " absent";
+        for (bool dual : {false, true})
+            for (int kind = 0; kind < 3; kind++) {
+                std::string what = std::string(name) + (dual ? " dual" : " primal") +
+                                   (kind == 0 ? ", basic slack's row" :
+                                    kind == 1 ? ", nonbasic column" : ", nonbasic slack's row");
+                TRVlp lp = TRVcreateprob(t.env, &st, name);
+                ASSERT_EQ(TRVreadcopyprob(t.env, lp, file.c_str(), nullptr), 0);
+                ASSERT_EQ(run(t.env, lp, dual), 1) << what;
+                Basis b = basis_of(t.env, lp);
+                int n = static_cast<int>(b.cstat.size()), m = static_cast<int>(b.rstat.size());
+                int target = -1;
+                for (int k = 0; k < (kind == 1 ? n : m) && target < 0; k++) {
+                    int s = kind == 1 ? b.cstat[k] : b.rstat[k];
+                    if ((kind == 0) == (s == 1)) target = k;
+                }
+                ASSERT_GE(target, 0) << what;
+                if (kind == 1) {
+                    ASSERT_EQ(TRVdelcols(t.env, lp, target, target), 0);
+                    b.cstat.erase(b.cstat.begin() + target);
+                } else {
+                    ASSERT_EQ(TRVdelrows(t.env, lp, target, target), 0);
+                    b.rstat.erase(b.rstat.begin() + target);
+                }
+                /* the stored basis reads back mapped */
+                Basis kept = basis_of(t.env, lp);
+                EXPECT_EQ(kept.cstat, b.cstat) << what;
+                EXPECT_EQ(kept.rstat, b.rstat) << what;
+                int stat = 0;
+                TRVlp fresh = TRVcloneprob(t.env, lp, &stat);
+                ASSERT_NE(fresh, nullptr);
+                int cold_stat = run(t.env, fresh, dual);
+                int cold_its = TRVgetitcnt(t.env, fresh);
+                double cold_z = 0.0, z = 0.0;
+                TRVgetobjval(t.env, fresh, &cold_z);
+                TRVfreeprob(t.env, &fresh);
+                EXPECT_EQ(run(t.env, lp, dual), cold_stat) << what;
+                int its = TRVgetitcnt(t.env, lp);
+                if (kind < 2) EXPECT_EQ(its, 0) << what;
+                else EXPECT_LE(its, cold_its) << what;
+                if (cold_stat == 1) {
+                    TRVgetobjval(t.env, lp, &z);
+                    EXPECT_NEAR(z, cold_z, 1e-7 * (1.0 + std::fabs(cold_z))) << what;
+                }
+                TRVfreeprob(t.env, &lp);
+            }
+    }
+}
+
+/* The dual norms kept with the basis belong to its matrix: they stay with
+ * the deletion of a nonbasic column and go with that of a basic column or
+ * of a row. */
+TEST(WarmStart, DeletionKeepsTheNormsOnlyOfAnUnchangedBasis) {
+    TestEnv t;
+    TRVsetintparam(t.env, 1019, 0);
+    Model md = random_lp(7, 12, 8);
+    for (int kind = 0; kind < 4; kind++) {
+        TRVlp lp = md.copy_into(t.env);
+        ASSERT_EQ(run(t.env, lp, true), 1);
+        Basis b = basis_of(t.env, lp);
+        int n = static_cast<int>(b.cstat.size()), m = static_cast<int>(b.rstat.size());
+        std::vector<double> norm(m);
+        std::vector<int> head(m);
+        int len = 0;
+        ASSERT_EQ(TRVgetdnorms(t.env, lp, norm.data(), head.data(), &len), 0);
+        /* 0 a nonbasic column, 1 a basic column, 2 a basic slack's row,
+         * 3 a nonbasic slack's row */
+        int target = -1;
+        bool want_basic = kind == 1 || kind == 2;
+        for (int k = 0; k < (kind < 2 ? n : m) && target < 0; k++)
+            if (((kind < 2 ? b.cstat[k] : b.rstat[k]) == 1) == want_basic) target = k;
+        if (target < 0) continue;
+        if (kind < 2) ASSERT_EQ(TRVdelcols(t.env, lp, target, target), 0);
+        else ASSERT_EQ(TRVdelrows(t.env, lp, target, target), 0);
+        int rc = TRVgetdnorms(t.env, lp, norm.data(), head.data(), &len);
+        EXPECT_EQ(rc, kind == 0 ? 0 : 1264) << kind;
+        TRVfreeprob(t.env, &lp);
+    }
+}
