@@ -5,8 +5,10 @@
  * test's own model (tests/support/warmdiff.h has the rules).
  *
  *   warm_diff [--sequences N] [--steps K] [--seed S] [--examples E] [--nonetlib]
- *             [--display]
+ *             [--unscaled] [--noclone] [--display] [--detail]
  *
+ * --unscaled runs with scaling off (parameter 1034 at -1); --noclone leaves
+ * the clones out.
  * --seed S --sequences 1 repeats one sequence of an example; --display
  * shows the log of every solve on the screen.
  * Prints the count of sequences, how many agree, the first faults by kind,
@@ -30,12 +32,12 @@
 /* The small netlib models of the run. */
 static const char *const kNetlib[] = {"afiro", "sc50a", "sc50b", "kb2", "adlittle", "blend",
                                       "share2b", "sc105", "stocfor1", "recipe", "scagr7",
-                                      "boeing2", "israel", "share1b", "vtp.base", "brandy"};
+                                      "boeing2", "israel", "share1b", "vtpbase", "brandy"};
 
 int main(int argc, char **argv) {
     int sequences = 3000, steps = 8, examples = 12;
     unsigned seed0 = 1;
-    bool netlib = true;
+    bool netlib = true, unscaled = false;
     int display = 0;
     for (int a = 1; a < argc; a++) {
         std::string s = argv[a];
@@ -44,16 +46,20 @@ int main(int argc, char **argv) {
         else if (s == "--seed" && a + 1 < argc) seed0 = static_cast<unsigned>(std::atoi(argv[++a]));
         else if (s == "--examples" && a + 1 < argc) examples = std::atoi(argv[++a]);
         else if (s == "--nonetlib") netlib = false;
+        else if (s == "--unscaled") unscaled = true;
+        else if (s == "--noclone") warmdiff::no_clones = true;
         else if (s == "--display") display = 1;
         else if (s == "--detail") display = 2;
         else {
             std::fprintf(stderr, "usage: warm_diff [--sequences N] [--steps K] [--seed S] "
-                                 "[--examples E] [--nonetlib] [--display]\n");
+                                 "[--examples E] [--nonetlib] [--unscaled] [--noclone] [--display] "
+                                 "[--detail]\n");
             return 2;
         }
     }
     TestEnv t;
     TRVsetintparam(t.env, 1019, 0);
+    if (unscaled) TRVsetintparam(t.env, 1034, -1);
     if (display) {
         TRVsetintparam(t.env, 1019, display);
         TRVsetintparam(t.env, 1035, 1);

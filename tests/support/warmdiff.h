@@ -200,6 +200,9 @@ inline std::string compare(const Outcome &w, const Outcome &c) {
 
 /* Prints each step of a sequence (the bench's --display). */
 inline bool trace = false;
+/* Leaves the clones out (the bench's --noclone), to see the faults that a
+ * fault of the clones would hide. */
+inline bool no_clones = false;
 
 /* The kinds of change. */
 enum Kind {
@@ -529,7 +532,7 @@ inline std::string run_sequence(TRVenv env, const Model &start, unsigned seed, i
         Model md = ref.model();
         dual = ch.pick(2) == 0;
         std::string what = history + (dual ? "; dual" : "; primal");
-        if (ch.pick(3) == 0) {
+        if (ch.pick(3) == 0 && !no_clones) {
             int st = 0;
             TRVlp c = TRVcloneprob(env, lp, &st);
             if (c == nullptr) fail("clone before the solve failed", step, what);
@@ -572,7 +575,7 @@ inline std::string run_sequence(TRVenv env, const Model &start, unsigned seed, i
         if (!why.empty()) fail(why, step, what);
         std::string d = compare_model(env, lp, ref);
         if (!d.empty()) fail("model after the solve: " + d, step, what);
-        if (ch.pick(2) == 0) {
+        if (ch.pick(2) == 0 && !no_clones) {
             int st = 0;
             TRVlp cl = TRVcloneprob(env, lp, &st);
             if (cl == nullptr) {
