@@ -345,7 +345,9 @@ static int dual_pivot(TRVenv env, TRVlp lp, int p) {
         /* a row the closer look at the end of phase 1 found has no usable
          * pivot: phase 1 ends as it would have without that look */
         if (ds->phase == 1 && ds->p1_rechecks > 0) ds->status = LPS_UNB_OR_INF;
-        else ds->status = ds->phase == 2 ? LPS_NONOPT_FEAS : LPS_NONOPT_INFEAS;
+        /* feasible means primal feasible, and the row chosen breaks its
+         * bound */
+        else ds->status = LPS_NONOPT_INFEAS;
         return 0;
     }
     return r;
