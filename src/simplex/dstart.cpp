@@ -5,7 +5,7 @@
  * structural column, and per row for its slack or artificial and for its
  * range column), so that it survives a change of bounds or costs; columns
  * and rows added after it was saved enter nonbasic and with their slacks
- * basic respectively.
+ * basic respectively, and a deletion takes their entries out in step.
  */
 #include <cmath>
 
