@@ -239,21 +239,20 @@ static int keyed_select(TRVlp lp, double tol) {
     return best_super >= 0 ? best_super : best;
 }
 
-/* A reduced cost is only as exact as the duals it comes from: one at the
- * level of their round-off (relative 1e-12 of the largest dual times the
- * column's entries) is no reason to pivot. The tolerances of the pricing
- * lie far above that level, save at the closer looks at an infeasible end
- * of phase 1, where a choice by round-off trades values between variables
+/* A reduced cost is only as exact as the sum it comes from: one at the
+ * level of the round-off of its terms (relative 1e-12 of the sum of
+ * |y_i a_ij|) is no reason to pivot. The tolerances of the pricing lie far
+ * above that level, save at the closer looks at an infeasible end of
+ * phase 1, where a choice by round-off trades values between variables
  * without end. */
 static bool above_noise(TRVlp lp, int j, double d) {
     const primal_state *ps = lp->primal;
     if (ps->phase != 1 || ps->p1_rechecks == 0) return true;
     const simplex_lp *s = &lp->solver->splp;
     const double *y = lp->solver->it.y;
-    double ymax = 0.0, col = 0.0;
-    for (int i = 0; i < s->m; i++) ymax = std::max(ymax, std::fabs(y[i]));
-    for (int k = s->col_beg[j]; k < s->col_end[j]; k++) col += std::fabs(s->val[k]);
-    return std::fabs(d) > 1e-12 * ymax * col;
+    double terms = 0.0;
+    for (int k = s->col_beg[j]; k < s->col_end[j]; k++) terms += std::fabs(y[s->row_idx[k]] * s->val[k]);
+    return std::fabs(d) > 1e-12 * terms;
 }
 
 /* A candidate whose reduced cost is round-off leaves the choice for the
