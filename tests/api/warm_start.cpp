@@ -474,3 +474,51 @@ TEST(WarmStart, DeletionKeepsTheNormsOnlyOfAnUnchangedBasis) {
         TRVfreeprob(t.env, &lp);
     }
 }
+
+namespace {
+
+/* md without row i. */
+Model without_row(const Model &md, int i) {
+    Model out;
+    out.objsen = md.objsen;
+    for (int r = 0; r < md.nrows(); r++)
+        if (r != i) out.row(md.sense[r], md.rhs[r], md.rngval[r]);
+    for (int j = 0; j < md.ncols(); j++) {
+        std::vector<std::pair<int, double>> e;
+        for (int k = md.matbeg[j]; k < md.matbeg[j] + md.matcnt[j]; k++) {
+            int r = md.matind[k];
+            if (r != i) e.push_back({r > i ? r - 1 : r, md.matval[k]});
+        }
+        out.col(md.obj[j], md.lb[j], md.ub[j], e);
+    }
+    return out;
+}
+
+}  // namespace
+
+/* The optimal basis of a model, given by TRVcopybase to the model without
+ * a row whose slack was nonbasic: one basic variable too many, and on
+ * these seeds the basic variables chosen by index made a singular basis
+ * whose repair ended the run infeasible, unbounded or non-optimal. */
+TEST(WarmStart, CopiedBasisWithABasicVariableTooMany) {
+    TestEnv t;
+    TRVsetintparam(t.env, 1019, 0);
+    for (unsigned seed : {5u, 11u, 21u, 29u}) {
+        Model md = random_lp(seed, 3 + seed % 6, 3 + seed % 4, seed % 2);
+        TRVlp lp = md.copy_into(t.env);
+        ASSERT_EQ(run(t.env, lp, true), 1) << seed;
+        Basis b = basis_of(t.env, lp);
+        TRVfreeprob(t.env, &lp);
+        for (int i = 0; i < md.nrows(); i++) {
+            if (b.rstat[i] == 1) continue;
+            Model less = without_row(md, i);
+            Basis bl = b;
+            bl.rstat.erase(bl.rstat.begin() + i);
+            for (bool dual : {false, true}) {
+                std::string what = "seed " + std::to_string(seed) + " row " + std::to_string(i) +
+                                   (dual ? " dual" : " primal");
+                expect_same(from_copied_basis(t.env, less, bl, dual), cold(t.env, less, dual), what);
+            }
+        }
+    }
+}
