@@ -327,10 +327,10 @@ TEST(WarmStart, SingularKeptBasisAfterACoefficientChange) {
     coef_case(b, 0, 0, 0.0, "unbounded");
 
     Model c; /* a range row loses its entry of the basic column */
-    c.row('L', 6.0);
-    c.row('R', 1.0, 3.0);
-    c.col(-1.0, 0.0, 5.0, {{0, 1.0}, {1, 1.0}});
-    c.col(-2.0, 0.0, 1e20, {{0, 1.0}, {1, 2.0}});
+    c.row('E', -2.0);
+    c.row('R', -1.0, 2.0);
+    c.col(3.0, -1.0, 1.0, {{0, -2.0}});
+    c.col(4.0, -3.0, 2.0, {{0, 2.0}, {1, 5.0}});
     coef_case(c, 1, 1, 0.0, "range row");
 }
 
