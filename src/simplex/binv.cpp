@@ -30,7 +30,7 @@ static int binv_prepare(TRVenv env, TRVlp lp) {
     if (lp->start == nullptr) return 1262;
     int status = simplex_build(env, lp);
     if (status != 0) return status;
-    start_apply(lp);
+    start_apply(env, lp);
     double u = lp->solver->it.markowitz;
     status = lu_refactor(env, lp, &u, lp->solver->it.pivot_tol, 0, 0);
     return status;

@@ -49,6 +49,8 @@ static int price_with_ladder(TRVenv env, TRVlp lp, int *p_out) {
                 ds->p1_rechecks++;
                 return RC_RETRY;
             }
+            /* the variables a repair fixed may still remove the rest */
+            if (dual_release_fixed(env, lp, 0)) return RC_RETRY;
             ds->status = LPS_UNB_OR_INF;
             return 0;
         }
@@ -139,7 +141,11 @@ static void after_refactor(TRVlp lp) {
 /* The proof of a row without an entering variable, with every entry of the
  * row above round-off counted: the nonbasic variables can move the
  * leaving one toward its bound by at most the sum of |alpha| times their
- * room, which must fall short of its violation. */
+ * room, which must fall short of its violation. Round-off is what the
+ * ratio test leaves out as such: an entry it will not pivot on must not
+ * stand against the proof either, or in an ill-conditioned basis a row
+ * whose only other entries are noise is neither a pivot nor a proof, and
+ * the run ends without a decision. */
 static bool row_proves_infeasibility(TRVlp lp, int dir, double slope) {
     const simplex_iter *it = &lp->solver->it;
     const dual_state *ds = lp->dual;
@@ -148,7 +154,7 @@ static bool row_proves_infeasibility(TRVlp lp, int dir, double slope) {
         int j = ds->prow_idx[k];
         double a = dir * ds->prow[j];
         int st = it->status[j];
-        if (st == 1 || std::fabs(a) <= 1e-11) continue; /* round-off */
+        if (st == 1 || std::fabs(a) <= DR_TINY) continue; /* round-off, as in the ratio test */
         double up = ds->up_on[j] ? ds->upper[j] - it->x[j] : PR_BIG;
         double down = ds->lo_on[j] ? it->x[j] - ds->lower[j] : PR_BIG;
         /* a > 0: the variable rising helps; a < 0: falling helps */
@@ -198,7 +204,9 @@ static int dual_try(TRVenv env, TRVlp lp, int p, int forced) {
     int r = ratio_dual(lp, dir, slope, 1);
     if (r == 3) {
         /* no entering variable: the row proves primal infeasibility once
-         * it stands on a fresh factorization */
+         * it stands on a fresh factorization and with every variable in
+         * the ratio test, those a repair fixed included */
+        if (dual_release_fixed(env, lp, 1)) return RC_RETRY;
         if (ds->updates > 0) return refactor_retry(env, lp);
         if (ds->phase == 1 || !row_proves_infeasibility(lp, dir, slope)) return RC_RETRY;
         ds->status = LPS_INFEASIBLE;
@@ -313,10 +321,13 @@ static int dual_pivot(TRVenv env, TRVlp lp, int p) {
             p = dual_price_select(lp, select_tol(ds));
             if (p < 0) break;
         }
+        int sets = ds->phase_sets;
         int r = dual_try(env, lp, p, 0);
         if (r != RC_RETRY) return r;
         if (ds->status != 0) return 0;
-        if (!lp->factor->valid) return RC_RETRY;
+        /* values and phase set anew (a repair, variables let go): the
+         * rows are chosen again from them */
+        if (!lp->factor->valid || ds->phase_sets != sets) return RC_RETRY;
         if (ds->updates == 0 && ds->n_banned == 0 && k > 0) break;
         it->pos_ban[p] = 33;
         ds->n_banned++;
@@ -327,11 +338,16 @@ static int dual_pivot(TRVenv env, TRVlp lp, int p) {
         if (it->pos_ban[i] == 33) it->pos_ban[i] = 0;
     ds->n_banned = 0;
     int r = dual_try(env, lp, first, 1);
+    /* a dead end while a repair keeps variables out is none: they come
+     * back first */
+    if (r == RC_RETRY && dual_release_fixed(env, lp, 1)) return RC_RETRY;
     if (r == RC_RETRY) {
         /* a row the closer look at the end of phase 1 found has no usable
          * pivot: phase 1 ends as it would have without that look */
         if (ds->phase == 1 && ds->p1_rechecks > 0) ds->status = LPS_UNB_OR_INF;
-        else ds->status = ds->phase == 2 ? LPS_NONOPT_FEAS : LPS_NONOPT_INFEAS;
+        /* feasible means primal feasible, and the row chosen breaks its
+         * bound */
+        else ds->status = LPS_NONOPT_INFEAS;
         return 0;
     }
     return r;

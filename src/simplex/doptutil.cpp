@@ -58,7 +58,8 @@ static int build_rowwise(const simplex_lp *s, dual_state *ds) {
     ds->ar_idx = trv_alloc<int>(nz);
     ds->ar_val = trv_alloc<double>(nz);
     ds->ar_k = trv_alloc<int>(nz);
-    ds->ar_pos = trv_alloc<int>(s->col_end[nt > 0 ? nt - 1 : 0] + 1);
+    /* one place per entry of the columns 0..ntotal-1, which start at 0 */
+    ds->ar_pos = trv_alloc<int>(nz + 1);
     if (!ds->ar_beg || !ds->ar_nnb || !ds->ar_idx || !ds->ar_val || !ds->ar_k || !ds->ar_pos)
         return 1001;
     for (int j = 0; j < nt; j++)
@@ -341,6 +342,7 @@ void dual_true_values(TRVlp lp) {
 int dual_set_phase(TRVlp lp) {
     dual_state *ds = lp->dual;
     int old = ds->phase;
+    ds->phase_sets++;
     dual_true_bounds(lp);
     true_status(lp);
     ds->n_dinf = dual_count_dinf(lp, ds->dual_tol, &ds->sum_dinf);
@@ -388,6 +390,41 @@ int dual_refactor(TRVenv env, TRVlp lp) {
     ds->objective = dual_objective(lp);
     if (ds->phase == 1) ds->sum_dinf = -ds->objective;
     return 0;
+}
+
+double dual_dj(TRVlp lp, int j) { return lp->solver->it.d[j]; }
+
+/* A variable a repair fixed that the run needs: one with an entry in the
+ * pivot row (row set) or one whose reduced cost is wrong for its bound. */
+static bool fixed_needed(const TRVlp lp, bool row) {
+    const simplex_iter *it = &lp->solver->it;
+    const dual_state *ds = lp->dual;
+    if (row) {
+        for (int k = 0; k < ds->prow_nz; k++) {
+            int j = ds->prow_idx[k];
+            if (it->ban[j] == 32 && std::fabs(ds->prow[j]) > DR_TINY) return true;
+        }
+        return false;
+    }
+    for (int j = 0; j < lp->solver->splp.ncoltot; j++)
+        if (it->ban[j] == 32 && it->status[j] != 1 &&
+            dual_infeasibility(ds, it, j) > ds->dual_tol)
+            return true;
+    return false;
+}
+
+int dual_release_fixed(TRVenv env, TRVlp lp, int row) {
+    /* each one let go that enters may make the basis singular again:
+     * only those the run needs, and as many rounds as at the end, or the
+     * repairs run up to their limit */
+    if (lp->solver->it.reincluded >= RELEASE_ROUNDS || !fixed_needed(lp, row != 0)) return 0;
+    int released = 0;
+    release_fixed(env, lp, PR_BIG, dual_dj, &released);
+    if (released == 0) return 0;
+    lp->solver->it.reincluded++;
+    dual_set_phase(lp);
+    dual_progress_reset(lp);
+    return 1;
 }
 
 int dual_refresh(TRVenv env, TRVlp lp) {

@@ -5,7 +5,7 @@
  * structural column, and per row for its slack or artificial and for its
  * range column), so that it survives a change of bounds or costs; columns
  * and rows added after it was saved enter nonbasic and with their slacks
- * basic respectively.
+ * basic respectively, and a deletion takes their entries out in step.
  */
 #include <cmath>
 
@@ -140,10 +140,43 @@ int start_load(TRVenv env, TRVlp lp) {
     if (lp->start == nullptr) return 0;
     if (par_int(env, 1001) == 0 && !lp->start->forced) return 0;
     lp->start->forced = 0;
-    return start_apply(lp);
+    return start_apply(env, lp);
 }
 
-int start_apply(TRVlp lp) {
+/* The status variable j takes from the record: a row added since the save
+ * enters with its slack basic, a column added since at a bound. */
+static int stored_status(const start_rec *sr, const simplex_lp *s, int j) {
+    int st = start_status(sr, s, j);
+    if (st < 0 && j >= s->ntotal) st = 0;
+    if (st < 0 && j >= s->nstruct && j == row_var(s, s->row_of_var[j])) st = 1;
+    return st;
+}
+
+/* More basic variables than rows (a row deleted while its slack was
+ * nonbasic, a copied basis with one too many): a factorization of all of
+ * them keeps in the header those that pivot, so that the basis the run
+ * starts from is not singular for want of a choice. Returns the count
+ * kept, or -1 when it cannot tell (no memory). */
+static int trim_basic(TRVenv env, TRVlp lp, int *cand, int nb) {
+    int m = lp->solver->splp.m;
+    int *rowmap = trv_alloc<int>(m > 0 ? m : 1), *colmap = trv_alloc<int>(nb);
+    int kept = -1;
+    if (rowmap != nullptr && colmap != nullptr && lp->factor != nullptr) {
+        const simplex_iter *it = &lp->solver->it;
+        int st = lu_crash_factor(env, lp, nb, cand, rowmap, colmap, nullptr, it->markowitz,
+                                 it->pivot_tol);
+        if (st == 0 || st == RC_REPAIRED) {
+            kept = 0;
+            for (int c = 0; c < nb; c++)
+                if (colmap[c] >= 0) cand[kept++] = cand[c];
+        }
+    }
+    trv_free(&rowmap);
+    trv_free(&colmap);
+    return kept;
+}
+
+int start_apply(TRVenv env, TRVlp lp) {
     start_rec *sr = lp->start;
     if (sr == nullptr || lp->solver == nullptr) return 0;
     const simplex_lp *s = &lp->solver->splp;
@@ -151,18 +184,40 @@ int start_apply(TRVlp lp) {
     int m = s->m;
     if (sr->ncols > s->n || sr->nrows > m) return 0;
     int nb = 0;
-    for (int j = 0; j < s->ncoltot; j++) {
-        int st = start_status(sr, s, j);
-        /* a row added since the save enters with its slack basic */
-        if (st < 0 && j >= s->ntotal) st = 0;
-        if (st < 0 && j >= s->nstruct && j == row_var(s, s->row_of_var[j])) st = 1;
-        if (st == 1 && nb < m) {
-            it->status[j] = 1;
-            it->head[nb++] = j;
-        } else {
+    for (int j = 0; j < s->ncoltot; j++) nb += stored_status(sr, s, j) == 1;
+    int *cand = nb > m ? trv_alloc<int>(nb) : nullptr;
+    int kept = -1;
+    if (cand != nullptr) {
+        int k = 0;
+        for (int j = 0; j < s->ncoltot; j++)
+            if (stored_status(sr, s, j) == 1) cand[k++] = j;
+        kept = trim_basic(env, lp, cand, nb);
+    }
+    if (kept >= 0) {
+        /* the variables that pivoted, the others at a bound */
+        for (int j = 0; j < s->ncoltot; j++) {
+            int st = stored_status(sr, s, j);
             it->status[j] = static_cast<signed char>(fit_status(s, j, st == 1 ? 0 : st));
         }
+        for (int k = 0; k < kept; k++) {
+            it->status[cand[k]] = 1;
+            it->head[k] = cand[k];
+        }
+        nb = kept;
+    } else {
+        /* the first m basic variables by index */
+        nb = 0;
+        for (int j = 0; j < s->ncoltot; j++) {
+            int st = stored_status(sr, s, j);
+            if (st == 1 && nb < m) {
+                it->status[j] = 1;
+                it->head[nb++] = j;
+            } else {
+                it->status[j] = static_cast<signed char>(fit_status(s, j, st == 1 ? 0 : st));
+            }
+        }
     }
+    trv_free(&cand);
     /* too few basic variables: slacks fill the basis, and the
      * factorization's repair replaces those that make it singular */
     for (int i = 0; i < m && nb < m; i++) {
@@ -177,6 +232,40 @@ int start_apply(TRVlp lp) {
         else if (it->status[j] == 3) it->x[j] = 0.0;
     }
     return 1;
+}
+
+void start_delete(TRVlp lp, const int *map, int rows) {
+    start_rec *sr = lp->start;
+    if (sr == nullptr) return;
+    /* the record may hold fewer rows or columns than the model had (those
+     * added since the save): its entries keep their order, so the kept
+     * ones take the places 0, 1, ... */
+    int old = rows ? sr->nrows : sr->ncols, k = 0;
+    bool basic_gone = false;
+    for (int i = 0; i < old; i++) {
+        if (map[i] < 0) {
+            if (!rows && sr->cstat[i] == 1) basic_gone = true;
+            continue;
+        }
+        if (rows) {
+            sr->rstat[k] = sr->rstat[i];
+            sr->gstat[k] = sr->gstat[i];
+            sr->rnorm[k] = sr->rnorm[i];
+            sr->gnorm[k] = sr->gnorm[i];
+            if (sr->prnorm != nullptr) sr->prnorm[k] = sr->prnorm[i];
+        } else {
+            sr->cstat[k] = sr->cstat[i];
+            sr->cnorm[k] = sr->cnorm[i];
+            if (sr->pcnorm != nullptr) sr->pcnorm[k] = sr->pcnorm[i];
+        }
+        k++;
+    }
+    if (rows) sr->nrows = k;
+    else sr->ncols = k;
+    /* the norms belong to the basis matrix: a deletion of rows has dropped
+     * them already (the change table), one of nonbasic columns leaves them
+     * exact, one of a basic column does not */
+    if (basic_gone) start_drop_norms(lp, 0);
 }
 
 /* A copy of the first keep entries of old in an array of len, the rest

@@ -106,8 +106,8 @@ struct dual_state {
     int norms_ready;
     int flip_count;
     int polished;         /* the optimum was checked at tightened tolerances */
-    int reincluded;       /* the dropped variables were let in again once */
     int p1_rechecks;      /* an end of phase 1 looked at again more closely */
+    int phase_sets;       /* count of the phase tests, which recompute the values */
     iter_log log;
 };
 
@@ -134,6 +134,14 @@ int dual_set_phase(TRVlp lp);
 void dual_true_bounds(TRVlp lp);
 void dual_true_values(TRVlp lp);
 int dual_refactor(TRVenv env, TRVlp lp);
+/* The reduced cost of j as the run keeps it. */
+double dual_dj(TRVlp lp, int j);
+/* A run that would end without the variables a repair fixed lets them go
+ * first, when it needs one of them (row set: one with an entry in the
+ * pivot row; else one that is dual infeasible), within the rounds of
+ * RELEASE_ROUNDS: 1 when they were released (the phase is then set
+ * anew). */
+int dual_release_fixed(TRVenv env, TRVlp lp, int row);
 int dual_refresh(TRVenv env, TRVlp lp);
 void dual_pivot_row(TRVlp lp, int p);
 void dual_row_partition(TRVlp lp);
@@ -220,7 +228,7 @@ int solve_simplex(TRVenv env, TRVlp lp, int method, solve_run_fn run);
  * is none that fits. */
 int start_load(TRVenv env, TRVlp lp);
 /* The same whatever parameter 1001 says. */
-int start_apply(TRVlp lp);
+int start_apply(TRVenv env, TRVlp lp);
 /* Norms of the stored basis by position into it->dweight; the count of
  * positions left without a norm (0 weight). */
 int start_norms(TRVlp lp);

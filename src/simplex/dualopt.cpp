@@ -233,7 +233,7 @@ static double unscaled_violation(TRVlp lp, int dual) {
             double x = it->x[j], v = 0.0;
             if (ds->lo_on[j] && x < ds->lower[j]) v = ds->lower[j] - x;
             if (ds->up_on[j] && x > ds->upper[j]) v = x - ds->upper[j];
-            if (v == 0.0 || j >= s->ntotal) continue;
+            if (v == 0.0) continue; /* an artificial: its row's violation */
             v = j < s->nstruct ? v / d->colscale[j] : v * d->rowscale[s->row_of_var[j]];
             if (v > worst) worst = v;
         }
@@ -265,34 +265,20 @@ static void relax_within_tolerance(dual_state *ds) {
 /* The variables a repair dropped (ban 32) come back at an optimum: each
  * is released and its reduced cost judged against its bound. Returns 0
  * when none was dropped or none violates, 1 when the run must go on with
- * them, 2 when they still violate after one such round (the status is
- * then set to not optimal). */
+ * them, 2 when they still violate after that round. */
 static int release_dropped(TRVenv env, TRVlp lp) {
-    const simplex_lp *s = &lp->solver->splp;
-    simplex_iter *it = &lp->solver->it;
     dual_state *ds = lp->dual;
-    int dropped = 0, v = 0;
-    for (int j = 0; j < s->ncoltot; j++) {
-        if (it->ban[j] != 32) continue;
-        it->ban[j] = 0;
-        dropped++;
-        if (it->status[j] == 1) continue;
-        double dj = it->d[j];
-        double bad = it->status[j] == 0 ? -dj : it->status[j] == 2 ? dj : std::fabs(dj);
-        if (!(bad > ds->dual_tol)) continue;
-        v++;
-        TRVmsg(env->errchannel,
-               ds->log.scaled ? "Scaled reduced cost of dropped variable '%.255s' = %g\n"
-                              : "Reduced cost of dropped variable '%.255s' = %g\n",
-               simplex_varname(env, lp, j), dj);
-    }
+    int dropped = 0;
+    /* judged at the caller's tolerance: the run may have tightened its
+     * own for a closer look */
+    int v = release_fixed(env, lp, std::fmax(ds->dual_tol, par_dbl(env, 1014)), dual_dj, &dropped);
     if (dropped == 0) return 0;
     if (v == 0) {
         TRVmsg(env->errchannel, "Dropped variables satisfy optimality criteria.\n");
         return 0;
     }
-    if (!ds->reincluded) {
-        ds->reincluded = 1;
+    if (lp->solver->it.reincluded < RELEASE_ROUNDS) {
+        lp->solver->it.reincluded++;
         TRVmsg(env->errchannel, "Attempting to reinclude dropped variables.\n");
         return 1;
     }

@@ -13,8 +13,9 @@
 
 #include "simplex/dual.h"
 
-/* The stored basis when it fits the model as it now stands: null after
- * a deletion of rows or columns, when the numbering no longer matches. */
+/* The stored basis when it fits the model as it now stands (a deletion
+ * keeps it in step; rows and columns added since read as they would
+ * enter), else null. */
 static const start_rec *fitting_start(TRVlp lp) {
     const start_rec *sr = lp->start;
     const lp_data *d = lp->lpdata;

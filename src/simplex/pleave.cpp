@@ -344,6 +344,10 @@ int push_primal(TRVenv env, TRVlp lp, int *moved_p) {
     primal_state *ps = lp->primal;
     int moved = 0;
     *moved_p = 0;
+    /* the pass runs at an optimum; a direction along which nothing blocks
+     * costs nothing (the reduced cost is within the tolerance) and leaves
+     * the decision as it was */
+    const int decided = ps->status;
     for (int j = 0; j < s->ntotal; j++) {
         if (it->status[j] != 3) continue;
         it->d[j] = primal_dj(lp, j);
@@ -359,7 +363,7 @@ int push_primal(TRVenv env, TRVlp lp, int *moved_p) {
         }
         for (int k = 0; k < nd && it->status[j] == 3; k++) {
             int st = primal_try_dir(env, lp, j, 1, 1, dirs[k]);
-            if (ps->status == LPS_UNBOUNDED) ps->status = 0; /* nothing blocks this way */
+            if (ps->status == LPS_UNBOUNDED) ps->status = decided; /* nothing blocks this way */
             if (st == RC_RETRY) continue;
             if (st != 0) return st;
         }

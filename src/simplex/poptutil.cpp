@@ -365,6 +365,33 @@ void column_solve(TRVlp lp, int q, sparse_vec *col, sparse_vec *alpha) {
     if (alpha->nz < 0) sv_from_dense(alpha);
 }
 
+int release_fixed(TRVenv env, TRVlp lp, double tol, double (*dj)(TRVlp lp, int j),
+                  int *released) {
+    const simplex_lp *s = &lp->solver->splp;
+    simplex_iter *it = &lp->solver->it;
+    bool scaled = lp->lpdata->colscale != nullptr;
+    int n = 0, v = 0;
+    for (int p = 0; p < s->m; p++)
+        if (it->pos_ban[p] == 32) it->pos_ban[p] = 0;
+    for (int j = 0; j < s->ncoltot; j++) {
+        if (it->ban[j] != 32) continue;
+        it->ban[j] = 0;
+        n++;
+        int st = it->status[j];
+        if (st == 1) continue;
+        double d = dj(lp, j);
+        double bad = st == 0 ? -d : st == 2 ? d : std::fabs(d);
+        if (!(bad > tol)) continue;
+        v++;
+        TRVmsg(env->errchannel,
+               scaled ? "Scaled reduced cost of dropped variable '%.255s' = %g\n"
+                      : "Reduced cost of dropped variable '%.255s' = %g\n",
+               simplex_varname(env, lp, j), d);
+    }
+    *released = n;
+    return v;
+}
+
 /* ---- the iteration log ---------------------------------------------------- */
 
 const char *primal_varlabel(TRVenv env, TRVlp lp, int j, char *buf, size_t sz) {

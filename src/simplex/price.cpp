@@ -239,6 +239,29 @@ static int keyed_select(TRVlp lp, double tol) {
     return best_super >= 0 ? best_super : best;
 }
 
+/* A reduced cost is only as exact as the sum it comes from: one at the
+ * level of the round-off of its terms (relative 1e-12 of the sum of
+ * |y_i a_ij|) is no reason to pivot. The tolerances of the pricing lie far
+ * above that level, save at the closer looks at an infeasible end of
+ * phase 1, where a choice by round-off trades values between variables
+ * without end. */
+static bool above_noise(TRVlp lp, int j, double d) {
+    const primal_state *ps = lp->primal;
+    if (ps->phase != 1 || ps->p1_rechecks == 0) return true;
+    const simplex_lp *s = &lp->solver->splp;
+    const double *y = lp->solver->it.y;
+    double terms = 0.0;
+    for (int k = s->col_beg[j]; k < s->col_end[j]; k++) terms += std::fabs(y[s->row_idx[k]] * s->val[k]);
+    return std::fabs(d) > 1e-12 * terms;
+}
+
+/* A candidate whose reduced cost is round-off leaves the choice for the
+ * round (ban 33). */
+static void drop_noise(TRVlp lp, int q) {
+    lp->solver->it.ban[q] = 33;
+    lp->primal->n_banned++;
+}
+
 /* The entering variable, or -1; its reduced cost is verified against the
  * current duals before it is returned. */
 int primal_price_select(TRVlp lp, double tol) {
@@ -249,7 +272,10 @@ int primal_price_select(TRVlp lp, double tol) {
         for (int round = 0; round < 3; round++) {
             int q = partial_select(lp, tol);
             if (q < 0) return -1;
-            if (primal_attract(it, q, it->d[q]) < -tol) return q;
+            if (primal_attract(it, q, it->d[q]) >= -tol) continue;
+            if (above_noise(lp, q, it->d[q])) return q;
+            drop_noise(lp, q);
+            round--;
         }
         return -1;
     }
@@ -258,11 +284,17 @@ int primal_price_select(TRVlp lp, double tol) {
         if (q < 0) return -1;
         double d = primal_dj(lp, q);
         it->d[q] = d;
-        if (primal_attract(it, q, d) < -tol) return q;
+        if (primal_attract(it, q, d) >= -tol) continue;
+        if (above_noise(lp, q, d)) return q;
+        drop_noise(lp, q);
+        round--;
     }
     primal_compute_d(lp);
-    int q = keyed_select(lp, tol);
-    return q;
+    while (true) {
+        int q = keyed_select(lp, tol);
+        if (q < 0 || above_noise(lp, q, it->d[q])) return q;
+        drop_noise(lp, q);
+    }
 }
 
 /* ---- weights after a pivot --------------------------------------------------- */

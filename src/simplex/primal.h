@@ -198,6 +198,17 @@ void perturb_begin(TRVenv env, const iter_log *lg, perturb_rec *pr);
 int perturb_end(TRVenv env, const iter_log *lg, perturb_rec *pr, double *harris_base,
                 double *harris_delta);
 
+/* The end of a run lets go of what a repair fixed: every variable and every
+ * basis position with ban 32 is released. Each released nonbasic variable
+ * is judged by its reduced cost dj(lp, j) against its status; one that
+ * asks to move by more than tol is named on the error channel. Returns the
+ * count of those; *released gets the count of variables released. */
+int release_fixed(TRVenv env, TRVlp lp, double tol, double (*dj)(TRVlp lp, int j),
+                  int *released);
+/* How often a run goes on with the variables it let go before their
+ * reduced costs count as violations that end it. */
+enum { RELEASE_ROUNDS = 1 };
+
 /* ---- pricing (price.cpp) --------------------------------------------------- */
 
 int primal_price_init(TRVenv env, TRVlp lp, int family);

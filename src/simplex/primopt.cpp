@@ -246,6 +246,35 @@ static double unscaled_dual_infeas(TRVlp lp) {
     return worst;
 }
 
+/* The variables a repair fixed are let go at a decision (optimal or
+ * infeasible): the decision stands when none of them can improve it;
+ * otherwise the run goes on with them, a few rounds at most. Returns 1
+ * when the main loop must run again. */
+static int release_dropped(TRVenv env, TRVlp lp) {
+    primal_state *ps = lp->primal;
+    int released = 0;
+    /* judged at the caller's tolerance: the run may have tightened its
+     * own for a closer look */
+    double tol = ps->phase == 1 ? std::fmax(ps->p1_tol, 1e-7) : std::fmax(ps->opt_tol, par_dbl(env, 1014));
+    int v = release_fixed(env, lp, tol, primal_dj, &released);
+    if (released == 0) return 0;
+    primal_price_reset(lp);
+    if (ps->d_kept) primal_compute_d(lp);
+    if (v == 0) {
+        TRVmsg(env->errchannel, "Dropped variables satisfy optimality criteria.\n");
+        return 0;
+    }
+    if (lp->solver->it.reincluded < RELEASE_ROUNDS) {
+        lp->solver->it.reincluded++;
+        TRVmsg(env->errchannel, "Attempting to reinclude dropped variables.\n");
+        ps->status = 0;
+        return 1;
+    }
+    TRVmsg(env->errchannel, "There are %d violations to optimality.\n", v);
+    ps->status = ps->phase == 2 ? LPS_NONOPT_FEAS : LPS_NONOPT_INFEAS;
+    return 0;
+}
+
 int primal_opt(TRVenv env, TRVlp lp, int it_so_far, int it1_so_far,
                double start_time, int pricing_mode, int internal) {
     if (pricing_mode < -1 || pricing_mode > 4) return env_error(env, 1257);
@@ -302,6 +331,8 @@ int primal_opt(TRVenv env, TRVlp lp, int it_so_far, int it1_so_far,
             ps->status = 0;
             continue;
         }
+        if ((ps->status == LPS_OPTIMAL || ps->status == LPS_INFEASIBLE) && release_dropped(env, lp))
+            continue;
         if (ps->status == LPS_OPTIMAL || ps->status == LPS_INFEASIBLE) {
             /* the decision must stand on a fresh factorization */
             st = primal_refresh(env, lp);

@@ -44,7 +44,8 @@ static void solve_measure(const TRVlp lp, double *pinf, double *dinf) {
     const simplex_iter *it = &lp->solver->it;
     const double *cs = d->colscale, *rs = d->rowscale;
     double pw = 0.0, dw = 0.0;
-    for (int j = 0; j < s->ntotal; j++) {
+    /* the artificial of an equality row is that row's violation */
+    for (int j = 0; j < s->ncoltot; j++) {
         double f = 1.0;
         if (cs != nullptr) f = j < s->n ? 1.0 / cs[j] : rs[s->row_of_var[j]];
         double x = it->x[j], v = 0.0;
@@ -52,7 +53,7 @@ static void solve_measure(const TRVlp lp, double *pinf, double *dinf) {
         if (s->has_upper[j] && x > s->upper[j]) v = x - s->upper[j];
         if (v * f > pw) pw = v * f;
         int st = it->status[j];
-        if (st == 1 || it->d == nullptr) continue;
+        if (st == 1 || it->d == nullptr || j >= s->ntotal) continue;
         if (s->has_lower[j] && s->has_upper[j] && s->lower[j] >= s->upper[j]) continue;
         double dj = it->d[j], e = 0.0;
         if (st == 0) e = -dj;
@@ -67,6 +68,9 @@ static void solve_measure(const TRVlp lp, double *pinf, double *dinf) {
 /* An optimum that fails the tolerances in the caller's units is not yet a
  * solution of the caller's problem. */
 static bool solve_valid(TRVenv env, TRVlp lp) {
+    /* a run that ended without a decision, on a dead end of numerical
+     * trouble, gets another from its basis with a fresh start */
+    if (lp->stat == LPS_NONOPT_FEAS || lp->stat == LPS_NONOPT_INFEAS) return false;
     if (lp->stat != LPS_OPTIMAL) return lp->stat != LPS_OPT_UNSCALED;
     double pinf, dinf;
     solve_measure(lp, &pinf, &dinf);
@@ -75,13 +79,16 @@ static bool solve_valid(TRVenv env, TRVlp lp) {
 
 /* The clean-up run: the driver once more on the problem itself, unscaled,
  * from the basis the first run returned. When the clean-up cannot finish,
- * the first run's solution stands with status 11. */
+ * the first run's solution stands: an optimum with status 11, a run
+ * without a decision with its own status. */
 static int solve_cleanup(TRVenv env, TRVlp lp, int method, solve_run_fn run, double start,
                          int *itcnt, int *ph1) {
     /* the norms belong to the scaled copy: the clean-up prices afresh */
     int status = start_save(lp, 0);
     if (status != 0) return status;
     lp->start->forced = 1;
+    const int first_stat = lp->stat;
+    const bool undecided = first_stat == LPS_NONOPT_FEAS || first_stat == LPS_NONOPT_INFEAS;
     soln_rec *first = lp->soln;
     lp->soln = nullptr;
     run_release(lp);
@@ -100,8 +107,10 @@ static int solve_cleanup(TRVenv env, TRVlp lp, int method, solve_run_fn run, dou
     par_swap_int(env, 1020, saved);
     *itcnt += it2;
     *ph1 += p2;
-    if (status == 0 && (lp->stat == LPS_OPTIMAL || lp->stat == LPS_OPT_UNSCALED)) {
-        if (!solve_valid(env, lp)) lp->stat = LPS_OPT_UNSCALED;
+    bool optimal = lp->stat == LPS_OPTIMAL || lp->stat == LPS_OPT_UNSCALED;
+    bool decision = undecided && (lp->stat == LPS_INFEASIBLE || lp->stat == LPS_UNBOUNDED);
+    if (status == 0 && (optimal || decision)) {
+        if (optimal && !solve_valid(env, lp)) lp->stat = LPS_OPT_UNSCALED;
         status = solution_store(env, lp, method, *itcnt, *ph1);
         if (status == 0) {
             soln_rec *keep = lp->soln;
@@ -117,7 +126,7 @@ static int solve_cleanup(TRVenv env, TRVlp lp, int method, solve_run_fn run, dou
     lp->soln = first;
     lp->soln->itcnt = *itcnt;
     lp->soln->phase1cnt = *ph1;
-    lp->stat = LPS_OPT_UNSCALED;
+    lp->stat = undecided ? first_stat : LPS_OPT_UNSCALED;
     if (lp->start != nullptr) lp->start->forced = 0;
     return status == 1001 ? 1001 : 0;
 }
@@ -131,6 +140,22 @@ static void solve_restart(TRVenv env, TRVlp lp) {
     int status = bas_recoverload(env, lp);
     TRVmsg(env->reschannel, status == 0 ? "Load of restart from file succeeded.\n"
                                         : "Load of restart from file failed.\n");
+}
+
+/* A column whose lower bound lies above its upper bound by more than the
+ * feasibility tolerance, in the caller's units, or -1. No point meets such
+ * bounds: the model is infeasible before any run, as presolve's column
+ * pass would find it. */
+static int crossed_bounds(TRVenv env, TRVlp lp) {
+    const lp_data *d = lp->lpdata;
+    double tol = par_dbl(env, 1016);
+    for (int j = 0; j < d->ncols; j++) {
+        if (d->lb[j] <= -TRV_INF || d->ub[j] >= TRV_INF || d->lb[j] <= d->ub[j]) continue;
+        double gap = d->lb[j] - d->ub[j];
+        if (d->colscale != nullptr) gap /= d->colscale[j];
+        if (gap > tol) return j;
+    }
+    return -1;
 }
 
 /* The procedure around a simplex driver, the same for both: checks,
@@ -153,6 +178,16 @@ int solve_simplex(TRVenv env, TRVlp lp, int method, solve_run_fn run) {
      * lp, its solution carried back by postsolve, and a solution that is
      * not valid for the original problem cleaned up below. For now the
      * driver works on the problem itself. */
+
+    int crossed = crossed_bounds(env, lp);
+    if (crossed >= 0) {
+        /* the stored basis stays for a run after the bounds are mended */
+        if (par_int(env, 1019) != 0)
+            TRVmsg(env->reschannel, "Bound infeasibility column '%.255s'.\n",
+                   env_varname(env, lp->lpdata->colname, lp->lpdata->ncols, crossed));
+        lp->stat = LPS_INFEASIBLE;
+        return 0;
+    }
 
     int scale_status = lp_scale(env, lp, par_int(env, 1034));
     if (scale_status != 0) {

@@ -58,6 +58,9 @@ struct simplex_iter {
     int nsuper, nsuper_dual, super_cap;
     int n_it, n_lu;
     int sing_count, sing_limit, fix_allowance;
+    /* rounds a run went on with the variables a repair fixed, let go
+     * (RELEASE_ROUNDS at most; a hand-over between the drivers counts on) */
+    int reincluded;
     double markowitz, pivot_tol;
     /* the pending basis change, read by lu_update */
     int leave_pos, enter_var;

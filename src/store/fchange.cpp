@@ -212,12 +212,13 @@ TRV_EXPORT int TRVaddcols(TRVenv env, TRVlp lp, int ccnt, int nzcnt, const doubl
 static int del_set(TRVenv env, TRVlp lp, int *delstat, bool rows, int code) {
     if (delstat == nullptr) return 1004;
     invalidate(env, lp, code);
-    /* a start record's status arrays, norms and saved vectors are
-     * compressed here in step, once start records exist */
-    if (rows) return lp_droprows(env, lp, delstat);
-    /* user cuts and lazy constraints are freed here with their warnings,
-     * once the MIP keeps them */
-    return lp_dropcols(env, lp, delstat);
+    /* user cuts and lazy constraints are freed here with their warnings
+     * when columns go, once the MIP keeps them */
+    int st = rows ? lp_droprows(env, lp, delstat) : lp_dropcols(env, lp, delstat);
+    /* the stored basis follows, so that the next run starts from it */
+    if (st == 0) start_delete(lp, delstat, rows);
+    else start_free(lp);
+    return st;
 }
 
 static int del_range(TRVenv env, TRVlp lp, int begin, int end, bool rows,

@@ -109,12 +109,11 @@ void invalidate(TRVenv env, TRVlp lp, int code) {
         start_free(lp);
         trv_free(&lp->startaux);
     }
-    /* Deleting rows or columns, or moving rows to and from the free rows,
-     * renumbers them: the stored basis would no longer fit, so it goes.
-     * Additions keep it: new rows enter with their slacks basic. */
-    if (code == 19 || code == 20 || code == 21 || code == 22 || code == 31 ||
-        code == 32)
-        start_free(lp);
+    /* Moving rows to and from the free rows renumbers them: the stored
+     * basis would no longer fit, so it goes. A deletion keeps it and maps
+     * it in step (start_delete, after the rows or columns are gone);
+     * additions keep it: new rows enter with their slacks basic. */
+    if (code == 21 || code == 22) start_free(lp);
     if ((s & S_RELAXED) && lp->relaxed != nullptr && lp->probtype != PROB_RELAXED &&
         lp->probtype != PROB_FIXED) {
         /* a basis of the view goes back to the problem once start records

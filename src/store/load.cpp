@@ -858,9 +858,19 @@ TRV_EXPORT TRVlp TRVcloneprob(TRVenv env, TRVlp lp, int *status_p) {
         if (copy != nullptr) {
             int keep[3] = {par_swap_int(env, 1046, 0), par_swap_int(env, 1047, 0),
                            par_swap_int(env, 1048, 0)};
-            status = lp_copy(env, copy, s->ncols, s->nrows, s->objsen, s->obj, s->rhs,
-                             s->sense, s->matbeg, s->matcnt, s->matind, s->matval, s->lb,
-                             s->ub, s->rngval, s->colname, s->rowname);
+            /* a solved problem holds its model scaled: the clone gets the
+             * caller's values */
+            lp_unscaled u;
+            status = lp_unscaled_copy(s, &u);
+            if (status == 0) {
+                bool sc = u.obj != nullptr;
+                status = lp_copy(env, copy, s->ncols, s->nrows, s->objsen,
+                                 sc ? u.obj : s->obj, sc ? u.rhs : s->rhs, s->sense,
+                                 s->matbeg, s->matcnt, s->matind, sc ? u.matval : s->matval,
+                                 sc ? u.lb : s->lb, sc ? u.ub : s->ub,
+                                 sc ? u.rngval : s->rngval, s->colname, s->rowname);
+                lp_unscaled_free(&u);
+            }
             par_swap_int(env, 1046, keep[0]);
             par_swap_int(env, 1047, keep[1]);
             par_swap_int(env, 1048, keep[2]);

@@ -141,6 +141,15 @@ void lp_free_records(TRVenv env, TRVlp lp);
 int lp_check_matrix(TRVenv env, int numcols, int numrows, const int *matbeg,
                     const int *matcnt, const int *matind);
 
+/* The caller's values of a model held scaled, in arrays of their own (all
+ * null when the model is not scaled): what a copy of the model takes. 0 or
+ * 1001. */
+struct lp_unscaled {
+    double *obj, *lb, *ub, *rhs, *rngval, *matval;
+};
+int lp_unscaled_copy(const lp_data *d, lp_unscaled *u);
+void lp_unscaled_free(lp_unscaled *u);
+
 /* Change notification: drops what a change of the given code makes stale. */
 void invalidate(TRVenv env, TRVlp lp, int code);
 
@@ -156,5 +165,10 @@ int lp_cachecount(const cache_rec *cache, int what);
  * solution marked stale (free_it 0) or freed, the primal state freed. */
 void soln_invalidate(TRVlp lp, int free_it);
 void primal_free(TRVlp lp);
+/* The stored basis, as a deletion sees it: its statuses and norms follow
+ * the rows (rows set) or columns deleted, map being the old index to the
+ * new one or -1; the record itself goes when the deletion failed. */
+void start_delete(TRVlp lp, const int *map, int rows);
+void start_free(TRVlp lp);
 
 #endif

@@ -175,6 +175,47 @@ static int scheme_geometric(lp_data *d) {
     return 0;
 }
 
+void lp_unscaled_free(lp_unscaled *u) {
+    trv_free(&u->obj);
+    trv_free(&u->lb);
+    trv_free(&u->ub);
+    trv_free(&u->rhs);
+    trv_free(&u->rngval);
+    trv_free(&u->matval);
+}
+
+int lp_unscaled_copy(const lp_data *d, lp_unscaled *u) {
+    *u = lp_unscaled{};
+    if (d->colscale == nullptr) return 0;
+    const double *R = d->rowscalestore, *C = d->colscalestore;
+    int n = d->ncols, m = d->nrows, nzend = 0;
+    for (int j = 0; j < n; j++)
+        if (d->matbeg[j] + d->matcnt[j] > nzend) nzend = d->matbeg[j] + d->matcnt[j];
+    u->obj = trv_alloc<double>(n > 0 ? n : 1);
+    u->lb = trv_alloc<double>(n > 0 ? n : 1);
+    u->ub = trv_alloc<double>(n > 0 ? n : 1);
+    u->rhs = trv_alloc<double>(m > 0 ? m : 1);
+    u->matval = trv_alloc<double>(nzend > 0 ? nzend : 1);
+    if (d->rngval != nullptr) u->rngval = trv_alloc<double>(m > 0 ? m : 1);
+    if (!u->obj || !u->lb || !u->ub || !u->rhs || !u->matval ||
+        (d->rngval != nullptr && !u->rngval)) {
+        lp_unscaled_free(u);
+        return 1001;
+    }
+    for (int j = 0; j < n; j++) {
+        for (int k = d->matbeg[j]; k < d->matbeg[j] + d->matcnt[j]; k++)
+            u->matval[k] = d->matval[k] * (R[d->matind[k]] * C[j]);
+        u->obj[j] = d->obj[j] * C[j];
+        u->lb[j] = infinite(d->lb[j]) ? d->lb[j] : d->lb[j] / C[j];
+        u->ub[j] = infinite(d->ub[j]) ? d->ub[j] : d->ub[j] / C[j];
+    }
+    for (int i = 0; i < m; i++) {
+        u->rhs[i] = d->rhs[i] * R[i];
+        if (u->rngval != nullptr) u->rngval[i] = d->rngval[i] * R[i];
+    }
+    return 0;
+}
+
 /* Undoes the scaling of the data; the stores stay. */
 int lp_unscale(TRVenv, TRVlp lp) {
     lp_data *d = lp->lpdata;

@@ -52,10 +52,16 @@ TRVlp Model::copy_into(TRVenv env, int *status) const {
     std::vector<char *> cn, rn;
     for (auto &s : colnames) cn.push_back(const_cast<char *>(s.c_str()));
     for (auto &s : rownames) rn.push_back(const_cast<char *>(s.c_str()));
-    st = TRVcopylpwnames(env, lp, ncols(), nrows(), objsen, obj.data(),
-                         rhs.data(), sense.data(), matbeg.data(), matcnt.data(),
-                         matind.data(), matval.data(), lb.data(), ub.data(),
-                         rngval.data(), cn.data(), rn.data());
+    /* a model without rows or columns still passes its arrays */
+    static double dz = 0.0;
+    static int iz = 0;
+    static char cz = 'E';
+    auto dp = [](const std::vector<double> &v) { return v.empty() ? &dz : v.data(); };
+    auto ip = [](const std::vector<int> &v) { return v.empty() ? &iz : v.data(); };
+    st = TRVcopylpwnames(env, lp, ncols(), nrows(), objsen, dp(obj), dp(rhs),
+                         sense.empty() ? &cz : sense.data(), ip(matbeg), ip(matcnt),
+                         ip(matind), dp(matval), dp(lb), dp(ub), dp(rngval),
+                         cn.empty() ? nullptr : cn.data(), rn.empty() ? nullptr : rn.data());
     if (status) *status = st;
     if (st != 0) TRVfreeprob(env, &lp);
     return lp;
