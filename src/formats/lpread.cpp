@@ -501,13 +501,15 @@ int bound_column(lp_state *st, const char *b, int len) {
     int n = len > RW_NAMELEN ? RW_NAMELEN : len;
     std::memcpy(tok, b, n);
     tok[n] = '\0';
-    if (len > 0 && !(cls_of(st, b[0]) & LPC_NAME)) {
-        TRVmsg(st->env->warnchannel, "Line %d: '%s' not valid identifier.\n", st->lineno, tok);
-        return -1;
+    bool invalid = len > 0 && !(cls_of(st, b[0]) & LPC_NAME);
+    if (!invalid) {
+        int j = find_column(st, b, n);
+        if (j >= 0) return j;
+        invalid = len > 0 && exponent_like(b, len);
     }
-    int j = find_column(st, b, n);
-    if (j >= 0) return j;
-    if (len > 0 && exponent_like(b, len))
+    /* a list of unknown names is told for its first few */
+    if (++st->namewarn > 20) return -1;
+    if (invalid)
         TRVmsg(st->env->warnchannel, "Line %d: '%s' not valid identifier.\n", st->lineno, tok);
     else
         TRVmsg(st->env->warnchannel, "Line %d: Name '%s' does not exist.\n", st->lineno, tok);
@@ -1085,6 +1087,9 @@ int lp_read(TRVenv env, const char *filename, int want, read_model *m) {
         if (status == 0) status = read_lines(st, &in);
         if (st->kwwarn > 5)
             TRVmsg(env->warnchannel, "%d keyword warnings not printed.\n", st->kwwarn - 5);
+        if (st->namewarn > 20)
+            TRVmsg(env->warnchannel, "%d unknown name warnings not printed.\n",
+                   st->namewarn - 20);
         if (st->truncwarn > 20)
             TRVmsg(env->warnchannel, "%d truncation warning messages not printed.\n",
                    st->truncwarn - 20);

@@ -78,6 +78,7 @@ struct lp_state {
     int lastcode;
     int objsense;
     int truncwarn;
+    int namewarn; /* unknown names in bounds, integer and set lines */
     int kwwarn;   /* keywords taken over a column's name */
     int repwarn;  /* a column repeated in a row */
     int binwarn;  /* integers without bounds taken as binary */

@@ -391,3 +391,14 @@ TEST(LpRead, TerminalInputAsksForABadLineAgain) {
     EXPECT_EQ(r.coef(1, r.col("q")), -1.0);
     EXPECT_EQ(r.m.rhs[1], 2.0);
 }
+
+TEST(LpRead, UnknownNamesAreToldForTheFirstTwenty) {
+    Read r;
+    std::string text = "Minimize\n obj: x\nSubject To\n c: x >= 1\nGenerals\n";
+    for (int k = 0; k < 30; k++) text += " u" + std::to_string(k) + "\n";
+    text += "End\n";
+    ASSERT_EQ(r.lp(text), 0);
+    EXPECT_NE(r.te.warn.find("Line 25: Name 'u19' does not exist.\n"), std::string::npos);
+    EXPECT_EQ(r.te.warn.find("'u20'"), std::string::npos);
+    EXPECT_NE(r.te.warn.find("10 unknown name warnings not printed.\n"), std::string::npos);
+}
