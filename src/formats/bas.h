@@ -51,9 +51,6 @@ int bas_write(TRVenv env, TRVlp lp, const char *filename, const int *cstat,
  * trv_stem; "torva" for an empty one) with ".xxx"; null without memory. */
 char *bas_recovername(TRVlp lp);
 
-/* In a driver's main loop: every parameter 1004 iterations (n_it nonzero)
- * the working basis goes to the recovery file. A failed write warns. */
-void bas_periodic(TRVenv env, TRVlp lp, int n_it);
 
 /* The recovery file of the problem as its stored start; 0 when loaded,
  * else a status (a missing file is 1423, not reported). */

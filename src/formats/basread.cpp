@@ -28,7 +28,7 @@
 
 #include "formats/bas.h"
 #include "formats/mpsutil.h"
-#include "simplex/dual.h"
+#include "store/basis.h"
 
 #define BAS_LINE 1024
 

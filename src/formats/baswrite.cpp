@@ -1,8 +1,8 @@
 /*
- * baswrite.cpp - the BAS writer (TRVmbasewrite) and the recovery file of
- * the simplex drivers: every parameter 1004 iterations the working basis
- * goes to "<stem>.xxx", which a later solve with parameter 1041 at 1 reads
- * back as its start.
+ * baswrite.cpp - the BAS writer (TRVmbasewrite) and the name of the
+ * recovery file that the simplex drivers write every parameter 1004
+ * iterations, and which a later solve with parameter 1041 at 1 reads back
+ * as its start.
  *
  * Columns and rows are walked in step: a basic column takes the next
  * nonbasic row and gives an XU or XL line by the side of that row's
@@ -23,7 +23,7 @@
 
 #include "formats/bas.h"
 #include "formats/rwutil.h"
-#include "simplex/dual.h"
+#include "store/basis.h"
 
 namespace {
 
@@ -123,24 +123,6 @@ char *bas_recovername(TRVlp lp) {
     if (k == 0 || out[k - 1] == '/') std::strcat(out, "torva");
     std::strcat(out, ".xxx");
     return out;
-}
-
-void bas_periodic(TRVenv env, TRVlp lp, int n_it) {
-    if (n_it == 0 || n_it % par_int(env, 1004) != 0) return;
-    const lp_data *d = lp->lpdata;
-    char *name = bas_recovername(lp);
-    int *cstat = trv_alloc<int>(d->ncols);
-    int *rstat = trv_alloc<int>(d->nrows);
-    int status = name && cstat && rstat ? start_working(lp, cstat, rstat) : 1001;
-    if (status == 0) status = bas_write(env, lp, name, cstat, rstat, n_it, 0);
-    if (status == 0)
-        TRVmsg(env->reschannel, "Basis written to file '%s'.\n", name);
-    else
-        TRVmsg(env->warnchannel, "Warning: Basis recovery file '%s' not written.\n",
-               name != nullptr ? name : "");
-    trv_free(&name);
-    trv_free(&cstat);
-    trv_free(&rstat);
 }
 
 int bas_recoverload(TRVenv env, TRVlp lp) {

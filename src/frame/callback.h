@@ -1,6 +1,5 @@
 /*
- * callback.h - the call point of the progress callbacks and the
- * answer functions of TRVgetcallbackinfo per optimiser place.
+ * callback.h - the call point of the progress callbacks.
  */
 #ifndef TRV_FRAME_CALLBACK_H
 #define TRV_FRAME_CALLBACK_H
@@ -12,9 +11,5 @@
  * the callback asks for an abort; the optimiser then ends with the abort
  * code of its place. Nothing is printed. */
 int cb_call(TRVenv env, int fam, void *cbdata, int wherefrom);
-
-/* The simplex places (wherefrom 1 and 2): 0, 1003 (whichinfo not of this
- * place) or 1006 (no cbdata or no solver state). */
-int simplex_cbinfo(TRVenv env, void *cbdata, int wherefrom, int whichinfo, void *result);
 
 #endif

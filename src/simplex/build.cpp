@@ -1,11 +1,12 @@
 /*
  * build.cpp - the working LP of the simplex (simplex_lp) built from the
- * problem record, and the iteration state with a slack basis.
+ * problem record, the iteration state with a slack basis, and the hooks
+ * through which a change of the model reaches them.
  */
 #include <cmath>
 #include <cstring>
 
-#include "simplex/splp.h"
+#include "simplex/dual.h"
 
 static void splp_release(simplex_lp *s) {
     trv_free(&s->col_len);
@@ -194,11 +195,49 @@ static int build_iter(TRVenv env, const simplex_lp *s, simplex_iter *it) {
     return 0;
 }
 
+/* A change of the model drops or marks the working records. */
+static void work_drop(TRVlp lp, unsigned what) {
+    if (what & WORK_DUAL) dual_free(lp);
+    if (what & WORK_PRIMAL) primal_free(lp);
+    if (what & WORK_SOLVER) {
+        simplex_free(lp);
+    } else if (lp->solver != nullptr) {
+        if (what & WORK_STALE_LP) lp->solver->ready = 0;
+        if (what & WORK_STALE_X) lp->solver->ready2 = 0;
+    }
+    if (what & WORK_FACTOR) lu_free(lp);
+}
+
+/* Tightened bounds: the working LP takes the model's new bounds, so that
+ * it stays in step; a nonbasic value follows its bound. */
+static void work_bounds(TRVlp lp, int cnt, const int *indices, const bool *taken) {
+    solver_rec *r = lp->solver;
+    const lp_data *d = lp->lpdata;
+    if (r == nullptr || r->splp.n != d->ncols) return;
+    simplex_lp *s = &r->splp;
+    for (int k = 0; k < cnt; k++) {
+        if (!taken[k]) continue;
+        int j = indices[k];
+        s->lower[j] = d->lb[j];
+        s->upper[j] = d->ub[j];
+        s->has_lower[j] = s->lower[j] > -TRV_INFTEST;
+        s->has_upper[j] = s->upper[j] < TRV_INFTEST;
+        if (r->it.status && r->it.x) {
+            if (r->it.status[j] == 0 && s->has_lower[j]) r->it.x[j] = s->lower[j];
+            if (r->it.status[j] == 2 && s->has_upper[j]) r->it.x[j] = s->upper[j];
+        }
+    }
+    r->ready = 1;
+}
+
+static const work_hooks simplex_hooks = {work_drop, work_bounds, simplex_cbinfo};
+
 int simplex_build(TRVenv env, TRVlp lp) {
     simplex_free(lp);
     solver_rec *r = trv_zalloc<solver_rec>(1);
     if (r == nullptr) return 1001;
     lp->solver = r;
+    lp->work = &simplex_hooks;
     int status = build_lp(env, lp->lpdata, &r->splp);
     if (status == 0) status = build_iter(env, &r->splp, &r->it);
     if (status != 0) simplex_free(lp);

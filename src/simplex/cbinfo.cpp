@@ -4,24 +4,13 @@
  * state of a running driver come from the driver's answer function, set in
  * the solver record when the primal and dual drivers run.
  */
-#include "frame/callback.h"
 #include "simplex/splp.h"
 
-int simplex_cbinfo(TRVenv env, void *cbdata, int wherefrom, int whichinfo, void *result) {
-    (void)env;
-    if (cbdata == nullptr) return 1006;
-    /* the callback's data is the running problem's handle */
-    TRVlp lp = static_cast<TRVlp>(handle_find(cbdata, HANDLE_LP, nullptr, nullptr));
-    bool known;
-    if (wherefrom == 1)
-        known = whichinfo == 1 || whichinfo == 3 || whichinfo == 4 || whichinfo == 5 ||
-                whichinfo == 7 || whichinfo == 17;
-    else
-        known = whichinfo == 2 || whichinfo == 3 || whichinfo == 4 || whichinfo == 6 ||
-                whichinfo == 7 || whichinfo == 17;
-    if (!known) return 1003;
-    if (lp == nullptr || lp->solver == nullptr) return 1006;
-    void *state = wherefrom == 1 ? static_cast<void *>(lp->primal) : static_cast<void *>(lp->dual);
+int simplex_cbinfo(TRVlp lp, int wherefrom, int whichinfo, void *result) {
+    if (lp->solver == nullptr) return 1006;
+    void *state = wherefrom == TRV_CALLBACK_PRIMAL ? static_cast<void *>(lp->primal)
+                : wherefrom == TRV_CALLBACK_DUAL   ? static_cast<void *>(lp->dual)
+                                                   : nullptr;
     if (state == nullptr) return 1006;
     solver_rec *sv = lp->solver;
     switch (whichinfo) {

@@ -178,26 +178,8 @@ void dual_perturb(TRVenv env, TRVlp lp);
 int dual_remove(TRVenv env, TRVlp lp);
 int dual_shift_cost(TRVlp lp, int j, double amount);
 
-/* ---- stored basis and norms on the problem (dstart.cpp) ------------------- */
+/* ---- the stored basis and the working LP (start.cpp) --------------------- */
 
-struct start_rec {
-    int ncols, nrows;       /* structural columns and rows when saved */
-    signed char *cstat;     /* status of each structural column */
-    signed char *rstat;     /* status of each row's slack or artificial */
-    signed char *gstat;     /* status of each row's range column, or -1 */
-    double *cnorm, *rnorm, *gnorm; /* dual norms of the basic ones, 0 if none */
-    int has_norms;          /* the dual norms are valid */
-    /* primal steepest-edge weights: one per structural column and one per
-     * row for its slack or range column (1 for a row with neither); null
-     * until a primal run or the caller sets them */
-    double *pcnorm, *prnorm;
-    int has_pnorms;         /* the primal weights are valid */
-    int forced; /* loaded by the next run whatever parameter 1001 says */
-};
-
-/* A new empty record of n columns and m rows in place of the stored one,
- * which stays when there is no memory (1001). */
-int start_replace(TRVlp lp, int n, int m);
 /* Keeps the working basis of the run on the problem; with_norms keeps the
  * run's pricing norms with it (dual norms, primal weights) where final. */
 int start_save(TRVlp lp, int with_norms);
@@ -207,23 +189,9 @@ int start_save(TRVlp lp, int with_norms);
  * column or -1. */
 void start_fill(const simplex_lp *s, const simplex_iter *it, signed char *cstat,
                 signed char *rstat, signed char *gstat);
-/* A record in TRVgetbase's statuses (getbase.cpp); a null array is
- * skipped. */
-void start_statuses(const start_rec *sr, const lp_data *d, int *cstat, int *rstat);
-/* The stored basis in TRVgetbase's statuses; 1262 (not reported) when
- * none fits the model. */
-int start_get(TRVlp lp, int *cstat, int *rstat);
 /* The working basis of the running driver in TRVgetbase's statuses, as
  * start_save would store it; 0 or 1001 (not reported). */
 int start_working(TRVlp lp, int *cstat, int *rstat);
-/* The caller's statuses (TRVgetbase's form) as the stored start, replacing
- * any other and dropping the solution; 1253 reported for a bad entry. */
-int start_from_status(TRVenv env, TRVlp lp, const int *cstat, const int *rstat);
-
-/* One run of a driver on the problem as it stands (solve.cpp): the counts
- * of iterations in all and in phase 1 come back. */
-typedef int (*solve_run_fn)(TRVenv env, TRVlp lp, double start, int *itcnt, int *ph1);
-int solve_simplex(TRVenv env, TRVlp lp, int method, solve_run_fn run);
 /* Loads the stored basis into the working LP; 1 when loaded, 0 when there
  * is none that fits. */
 int start_load(TRVenv env, TRVlp lp);
@@ -232,23 +200,9 @@ int start_apply(TRVenv env, TRVlp lp);
 /* Norms of the stored basis by position into it->dweight; the count of
  * positions left without a norm (0 weight). */
 int start_norms(TRVlp lp);
-void start_free(TRVlp lp);
 /* The stored status of working variable j, or -1 when the record has none
  * (a column or row added since). */
 int start_status(const start_rec *sr, const simplex_lp *s, int j);
-/* Grows the stored basis to the model's size, the columns and rows added
- * since entering as the next run would take them; the norms of a basis
- * that grows are dropped. 0 or 1001. */
-int start_grow(TRVlp lp);
-/* The norms kept with the stored basis made stale (free_them 0: the
- * memory stays for the next save) or released. */
-void start_drop_norms(TRVlp lp, int free_them);
-
-/* ---- primal weights kept with the stored basis (pstart.cpp) --------------- */
-
-void start_pnorms_free(start_rec *sr);
-/* Both arrays of the record, allocated on first use; 0 or 1001. */
-int start_pnorms_alloc(start_rec *sr);
 /* The weights of a finished primal run with steepest-edge pricing onto
  * the stored basis; nothing when another pricing or a dual run after it
  * owns the basis, or without memory. */
@@ -256,5 +210,13 @@ void start_pnorms_save(TRVlp lp);
 /* The stored weight of working variable j, 0 when there is none: a
  * variable basic in the stored basis or added since. */
 double start_pnorm(const start_rec *sr, const simplex_lp *s, int j);
+/* In a driver's main loop: every parameter 1004 iterations (n_it nonzero)
+ * the working basis goes to the recovery file. A failed write warns. */
+void start_periodic(TRVenv env, TRVlp lp, int n_it);
+
+/* One run of a driver on the problem as it stands (solve.cpp): the counts
+ * of iterations in all and in phase 1 come back. */
+typedef int (*solve_run_fn)(TRVenv env, TRVlp lp, double start, int *itcnt, int *ph1);
+int solve_simplex(TRVenv env, TRVlp lp, int method, solve_run_fn run);
 
 #endif

@@ -114,7 +114,7 @@ static int main_loop(TRVenv env, TRVlp lp) {
         st = objective_limit(env, lp);
         if (st != 0) return st;
         if (ds->status != 0) break;
-        bas_periodic(env, lp, it->n_it);
+        start_periodic(env, lp, it->n_it);
         elapsed_print(env, lp);
         st = dual_progress_check(env, lp);
         if (st != 0) return st;

@@ -1,7 +1,7 @@
 /*
  * primal.h - the primal simplex: its run state (primal_state), the pricing
  * families, the ratio tests, perturbation and progress control, and the
- * solution record that a finished run leaves on the problem handle.
+ * hand-over of a finished run's figures to the solution record.
  *
  * Conventions of the primal code:
  *   - all values are those of the working LP, scaled when the model is;
@@ -17,6 +17,7 @@
 
 #include "simplex/lu.h"
 #include "simplex/splp.h"
+#include "store/basis.h"
 
 #define PR_BIG 1e75        /* the absent value */
 #define PR_NOLIMIT 2100000000
@@ -249,20 +250,6 @@ int start_basis(TRVenv env, TRVlp lp);
 
 /* ---- solution record (solution.cpp) ----------------------------------------- */
 
-struct soln_rec {
-    int method;
-    int has_basis;
-    int ncols, nrows;
-    double objval;
-    double *x, *pi, *slack, *dj;
-    int itcnt, phase1cnt;
-    /* the variable that proved the run's end: the entering column of an
-     * unbounded ray, the row or column whose infeasibility stood; the
-     * row in idiv, the column in jdiv, -1 in both when there is none */
-    int idiv, jdiv;
-};
-
 int solution_store(TRVenv env, TRVlp lp, int method, int itcnt, int phase1cnt);
-void solution_free(TRVlp lp);
 
 #endif

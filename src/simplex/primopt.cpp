@@ -168,7 +168,7 @@ static int main_loop(TRVenv env, TRVlp lp) {
         st = objective_limit(env, lp);
         if (st != 0) return st;
         if (ps->status != 0) break;
-        bas_periodic(env, lp, it->n_it);
+        start_periodic(env, lp, it->n_it);
         elapsed_print(env, lp);
         st = progress_check(env, lp);
         if (st != 0) return st;

@@ -89,6 +89,10 @@ void simplex_free(TRVlp lp);
 /* The fixing allowance of the basis repair from m and parameter 1037. */
 int simplex_fix_allowance(TRVenv env, int m);
 
+/* The answer of a running primal or dual to TRVgetcallbackinfo (the
+ * question is known to the place): 0, or 1006 without its state. */
+int simplex_cbinfo(TRVlp lp, int wherefrom, int whichinfo, void *result);
+
 /* Name of variable j for messages ("range <row>" is added by the caller). */
 const char *simplex_varname(TRVenv env, TRVlp lp, int j);
 

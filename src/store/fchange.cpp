@@ -6,6 +6,7 @@
  */
 #include <cstring>
 
+#include "store/basis.h"
 #include "store/change.h"
 
 /* Opens an addition: the frame without the merge, so that additions can

@@ -12,9 +12,7 @@
  * are null on every problem; their steps are listed in the table and do
  * nothing until their module frees or marks them here.
  */
-#include "store/lp.h"
-#include "simplex/dual.h"
-#include "simplex/lu.h"
+#include "store/basis.h"
 
 enum : unsigned {
     S_RELAXED = 1u << 0,   /* F relaxed */
@@ -132,16 +130,18 @@ void invalidate(TRVenv env, TRVlp lp, int code) {
         soln_invalidate(lp, 1);
     else if (s & S_MSOLN)
         soln_invalidate(lp, 0);
-    /* the dual state lives for one run; stale or not, it goes */
-    if (s & (S_MDUAL | S_FDUAL)) dual_free(lp);
-    if (s & S_FPRIMAL) primal_free(lp);
-    if (s & S_FSOLVER) {
-        simplex_free(lp);
-    } else if (lp->solver != nullptr) {
-        if (s & S_MSOLVER1) lp->solver->ready = 0;
-        if (s & S_MSOLVER2) lp->solver->ready2 = 0;
+    /* the optimisers' working records: the dual state lives for one run,
+     * so stale or not it goes */
+    if (lp->work != nullptr) {
+        unsigned w = 0;
+        if (s & (S_MDUAL | S_FDUAL)) w |= WORK_DUAL;
+        if (s & S_FPRIMAL) w |= WORK_PRIMAL;
+        if (s & S_FSOLVER) w |= WORK_SOLVER;
+        if (s & S_MSOLVER1) w |= WORK_STALE_LP;
+        if (s & S_MSOLVER2) w |= WORK_STALE_X;
+        if (s & S_FFACTOR) w |= WORK_FACTOR;
+        if (w != 0) lp->work->drop(lp, w);
     }
-    if (s & S_FFACTOR) lu_free(lp);
     if (s & S_DATAPTRS)
         for (int k = 0; k < 4; k++) trv_free(&lp->dataptrs[k]);
     /* presolve, barrier, MIP state and MIP record (S_PRESOLVE, S_BARRIER,

@@ -6,9 +6,8 @@
 #include <cstring>
 
 #include "store/lp.h"
+#include "store/basis.h"
 #include "store/scale.h"
-#include "simplex/lu.h"
-#include "simplex/dual.h"
 
 /* ---- handle checks ------------------------------------------------------- */
 
@@ -349,13 +348,9 @@ void lp_free_records(TRVenv env, TRVlp lp) {
     trv_free(&lp->dataptrs[2]);
     trv_free(&lp->dataptrs[3]);
     trv_free(&lp->startaux);
-    /* the primal simplex: its run state and the solution record */
-    primal_free(lp);
-    dual_free(lp);
+    /* the optimisers' working records, and the solution record */
+    if (lp->work != nullptr) lp->work->drop(lp, WORK_ALL);
     solution_free(lp);
-    /* the simplex core: factorization and working LP */
-    lu_free(lp);
-    simplex_free(lp);
 }
 
 static void lp_data_free(lp_data **dp, int memmodel) {

@@ -76,6 +76,30 @@ struct lp_data {
     cache_rec *cache;
 };
 
+/* The working records of the optimisers (the solver's working LP, the
+ * factorization, the run states) hang off the problem, but the store does
+ * not know their layout: a change drops or marks them through the hooks
+ * that the optimiser which built them set, and tightened bounds reach a
+ * working LP the same way. */
+enum : unsigned {
+    WORK_DUAL = 1u << 0,      /* the dual run state */
+    WORK_PRIMAL = 1u << 1,    /* the primal run state */
+    WORK_SOLVER = 1u << 2,    /* the working LP and its iteration state */
+    WORK_FACTOR = 1u << 3,    /* the factorization */
+    WORK_STALE_LP = 1u << 4,  /* the working LP is refreshed from the model before use */
+    WORK_STALE_X = 1u << 5,   /* the values of the iteration state likewise */
+    WORK_ALL = WORK_DUAL | WORK_PRIMAL | WORK_SOLVER | WORK_FACTOR
+};
+struct work_hooks {
+    void (*drop)(TRVlp lp, unsigned what);
+    /* the model's new bounds of the listed columns (those with taken set)
+     * into the working LP, nonbasic values following their bound */
+    void (*follow_bounds)(TRVlp lp, int cnt, const int *indices, const bool *taken);
+    /* the answer of the running optimiser to TRVgetcallbackinfo at its
+     * place: 0, or 1006 when it has no state to answer from */
+    int (*cbinfo)(TRVlp lp, int wherefrom, int whichinfo, void *result);
+};
+
 struct trvlp_rec {
     trvlp_rec *self;
     trvlp_rec *me;
@@ -103,6 +127,7 @@ struct trvlp_rec {
     bar_rec *barrier;
     qp_rec *qp;
     trvlp_rec *handle; /* the token the caller holds for this record */
+    const work_hooks *work; /* set by the optimiser that built its records */
 };
 
 /* The record checks under the call frame: a live record; a relaxed or
@@ -161,14 +186,8 @@ void cache_free(cache_rec **cache);
 /* Pending columns (what 0), rows (1) or nonzeros (2). */
 int lp_cachecount(const cache_rec *cache, int what);
 
-/* The solution record and the primal state, as a change sees them: the
- * solution marked stale (free_it 0) or freed, the primal state freed. */
+/* The solution record as a change sees it: marked stale (free_it 0) or
+ * freed (soln.cpp). */
 void soln_invalidate(TRVlp lp, int free_it);
-void primal_free(TRVlp lp);
-/* The stored basis, as a deletion sees it: its statuses and norms follow
- * the rows (rows set) or columns deleted, map being the old index to the
- * new one or -1; the record itself goes when the deletion failed. */
-void start_delete(TRVlp lp, const int *map, int rows);
-void start_free(TRVlp lp);
 
 #endif

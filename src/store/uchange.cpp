@@ -12,7 +12,6 @@
 #include <cstring>
 
 #include "store/change.h"
-#include "simplex/splp.h"
 
 /* ---- shared frame pieces ----------------------------------------------------- */
 
@@ -203,25 +202,8 @@ static int bounds_change(TRVenv env, TRVlp lp, int cnt, const int *indices,
         invalidate(env, lp, 4);
         bounds_apply(env, d, cnt, indices, lu, bd, taken);
         lp_setsimple(lp);
-        solver_rec *r = lp->solver;
-        if (tighten && r != nullptr && r->splp.n == d->ncols) {
-            /* the working LP takes the same bounds, so it stays in step; a
-             * nonbasic value follows its bound */
-            simplex_lp *s = &r->splp;
-            for (int k = 0; k < cnt; k++) {
-                if (!taken[k]) continue;
-                int j = indices[k];
-                s->lower[j] = d->lb[j];
-                s->upper[j] = d->ub[j];
-                s->has_lower[j] = s->lower[j] > -TRV_INFTEST;
-                s->has_upper[j] = s->upper[j] < TRV_INFTEST;
-                if (r->it.status && r->it.x) {
-                    if (r->it.status[j] == 0 && s->has_lower[j]) r->it.x[j] = s->lower[j];
-                    if (r->it.status[j] == 2 && s->has_upper[j]) r->it.x[j] = s->upper[j];
-                }
-            }
-            r->ready = 1;
-        }
+        /* a tightening reaches the working LP, so that it stays in step */
+        if (tighten && lp->work != nullptr) lp->work->follow_bounds(lp, cnt, indices, taken);
     }
     trv_free(&taken);
     return call_leave(env, st);

@@ -1,58 +1,21 @@
 /*
- * dstart.cpp - the basis that a finished run leaves on the problem, with
- * the dual norms of its basic variables, and its load into the working LP
- * of a later run. The record is kept in the model's terms (a status per
- * structural column, and per row for its slack or artificial and for its
- * range column), so that it survives a change of bounds or costs; columns
- * and rows added after it was saved enter nonbasic and with their slacks
- * basic respectively, and a deletion takes their entries out in step.
+ * start.cpp - the stored basis and the working LP of a run: the basis
+ * that a finished run leaves on the problem with the pricing norms of its
+ * variables, its load into the working LP of a later run (trimmed to the
+ * variables that pivot when a deletion or the caller left too many basic),
+ * and the recovery file that a long run writes.
+ *
+ * The primal steepest-edge weights are kept in the model's terms like the
+ * statuses, one per structural column and one per row for its slack or
+ * range column; a basic variable and a row with neither kind of column
+ * (its artificial is never priced) keep 1. They depend only on the basis
+ * and the matrix, and are in the terms of the working form the optimisers
+ * saw (scaled when the model is).
  */
 #include <cmath>
 
+#include "formats/bas.h"
 #include "simplex/dual.h"
-
-static void start_release(start_rec **srp) {
-    start_rec *sr = *srp;
-    if (sr == nullptr) return;
-    trv_free(&sr->cstat);
-    trv_free(&sr->rstat);
-    trv_free(&sr->gstat);
-    trv_free(&sr->cnorm);
-    trv_free(&sr->rnorm);
-    trv_free(&sr->gnorm);
-    start_pnorms_free(sr);
-    trv_free(srp);
-}
-
-void start_free(TRVlp lp) { start_release(&lp->start); }
-
-int start_replace(TRVlp lp, int n, int m) {
-    start_rec *sr = trv_zalloc<start_rec>(1);
-    if (sr == nullptr) return 1001;
-    sr->ncols = n;
-    sr->nrows = m;
-    sr->cstat = trv_alloc<signed char>(n);
-    sr->rstat = trv_alloc<signed char>(m);
-    sr->gstat = trv_alloc<signed char>(m);
-    sr->cnorm = trv_zalloc<double>(n);
-    sr->rnorm = trv_zalloc<double>(m);
-    sr->gnorm = trv_zalloc<double>(m);
-    if (!sr->cstat || !sr->rstat || !sr->gstat || !sr->cnorm || !sr->rnorm || !sr->gnorm) {
-        start_release(&sr);
-        return 1001;
-    }
-    start_free(lp);
-    lp->start = sr;
-    return 0;
-}
-
-void start_drop_norms(TRVlp lp, int free_them) {
-    start_rec *sr = lp->start;
-    if (sr == nullptr) return;
-    sr->has_norms = 0;
-    sr->has_pnorms = 0;
-    if (free_them) start_pnorms_free(sr);
-}
 
 /* The variable standing for row i: its slack, or its artificial. */
 static int row_var(const simplex_lp *s, int i) { return s->slack_of_row[i]; }
@@ -234,82 +197,6 @@ int start_apply(TRVenv env, TRVlp lp) {
     return 1;
 }
 
-void start_delete(TRVlp lp, const int *map, int rows) {
-    start_rec *sr = lp->start;
-    if (sr == nullptr) return;
-    /* the record may hold fewer rows or columns than the model had (those
-     * added since the save): its entries keep their order, so the kept
-     * ones take the places 0, 1, ... */
-    int old = rows ? sr->nrows : sr->ncols, k = 0;
-    bool basic_gone = false;
-    for (int i = 0; i < old; i++) {
-        if (map[i] < 0) {
-            if (!rows && sr->cstat[i] == 1) basic_gone = true;
-            continue;
-        }
-        if (rows) {
-            sr->rstat[k] = sr->rstat[i];
-            sr->gstat[k] = sr->gstat[i];
-            sr->rnorm[k] = sr->rnorm[i];
-            sr->gnorm[k] = sr->gnorm[i];
-            if (sr->prnorm != nullptr) sr->prnorm[k] = sr->prnorm[i];
-        } else {
-            sr->cstat[k] = sr->cstat[i];
-            sr->cnorm[k] = sr->cnorm[i];
-            if (sr->pcnorm != nullptr) sr->pcnorm[k] = sr->pcnorm[i];
-        }
-        k++;
-    }
-    if (rows) sr->nrows = k;
-    else sr->ncols = k;
-    /* the norms belong to the basis matrix: a deletion of rows has dropped
-     * them already (the change table), one of nonbasic columns leaves them
-     * exact, one of a basic column does not */
-    if (basic_gone) start_drop_norms(lp, 0);
-}
-
-/* A copy of the first keep entries of old in an array of len, the rest
- * set to fill; null without memory. */
-template <typename T> static T *grown(const T *old, int keep, int len, T fill) {
-    T *a = trv_alloc<T>(len);
-    if (a == nullptr) return nullptr;
-    for (int k = 0; k < len; k++) a[k] = k < keep ? old[k] : fill;
-    return a;
-}
-
-/* The status a column added since the save enters with: at a finite
- * bound, else free. */
-static signed char entering_status(const lp_data *d, int j) {
-    if (d->lb[j] > -TRV_INF) return 0;
-    return d->ub[j] < TRV_INF ? 2 : 3;
-}
-
-int start_grow(TRVlp lp) {
-    start_rec *sr = lp->start;
-    const lp_data *d = lp->lpdata;
-    int n = d->ncols, m = d->nrows, n0 = sr->ncols, m0 = sr->nrows;
-    if (n0 == n && m0 == m) return 0;
-    /* new rows enter with their slacks basic */
-    signed char *cs = grown<signed char>(sr->cstat, n0, n, 0);
-    signed char *rs = grown<signed char>(sr->rstat, m0, m, 1);
-    signed char *gs = grown<signed char>(sr->gstat, m0, m, -1);
-    double *cn = grown(sr->cnorm, n0, n, 0.0), *rn = grown(sr->rnorm, m0, m, 0.0);
-    double *gn = grown(sr->gnorm, m0, m, 0.0);
-    if (!cs || !rs || !gs || !cn || !rn || !gn) {
-        trv_free(&cs), trv_free(&rs), trv_free(&gs);
-        trv_free(&cn), trv_free(&rn), trv_free(&gn);
-        return 1001;
-    }
-    for (int j = n0; j < n; j++) cs[j] = entering_status(d, j);
-    trv_free(&sr->cstat), trv_free(&sr->rstat), trv_free(&sr->gstat);
-    trv_free(&sr->cnorm), trv_free(&sr->rnorm), trv_free(&sr->gnorm);
-    sr->cstat = cs, sr->rstat = rs, sr->gstat = gs;
-    sr->cnorm = cn, sr->rnorm = rn, sr->gnorm = gn;
-    sr->ncols = n, sr->nrows = m;
-    start_drop_norms(lp, 1);
-    return 0;
-}
-
 int start_norms(TRVlp lp) {
     const start_rec *sr = lp->start;
     const simplex_lp *s = &lp->solver->splp;
@@ -334,3 +221,58 @@ int start_norms(TRVlp lp) {
     }
     return missing;
 }
+
+/* The primal run's weights are its last word on the basis: steepest-edge
+ * pricing, and no dual took over from it. Weights from an exact start
+ * are kept only while the updates stayed true: each pivot checks the
+ * entering weight against its exact value, and a weight that drifted once
+ * leaves others astray, which would cost a later run more than computing
+ * them anew. Weights from the cheap start were estimates from the first. */
+static bool weights_final(TRVlp lp) {
+    const primal_state *ps = lp->primal;
+    if (ps == nullptr || lp->dual != nullptr || lp->solver->it.pweight == nullptr) return false;
+    return ps->pricing == 3 || (ps->pricing == 2 && ps->steep_miss == 0);
+}
+
+void start_pnorms_save(TRVlp lp) {
+    start_rec *sr = lp->start;
+    if (sr == nullptr || !weights_final(lp) || start_pnorms_alloc(sr) != 0) return;
+    const simplex_lp *s = &lp->solver->splp;
+    const simplex_iter *it = &lp->solver->it;
+    for (int j = 0; j < sr->ncols; j++) sr->pcnorm[j] = 1.0;
+    for (int i = 0; i < sr->nrows; i++) sr->prnorm[i] = 1.0;
+    for (int j = 0; j < s->ntotal; j++) {
+        double w = it->status[j] == 1 ? 1.0 : it->pweight[j];
+        if (j < s->n) sr->pcnorm[j] = w;
+        else sr->prnorm[s->row_of_var[j]] = w;
+    }
+    sr->has_pnorms = 1;
+}
+
+double start_pnorm(const start_rec *sr, const simplex_lp *s, int j) {
+    if (sr == nullptr || !sr->has_pnorms || j >= s->ntotal) return 0.0;
+    int st = start_status(sr, s, j);
+    if (st < 0 || st == 1) return 0.0;
+    return j < s->n ? sr->pcnorm[j] : sr->prnorm[s->row_of_var[j]];
+}
+
+/* The recovery file of a run: every parameter 1004 iterations the working
+ * basis goes to the file; a failed write warns. */
+void start_periodic(TRVenv env, TRVlp lp, int n_it) {
+    if (n_it == 0 || n_it % par_int(env, 1004) != 0) return;
+    const lp_data *d = lp->lpdata;
+    char *name = bas_recovername(lp);
+    int *cstat = trv_alloc<int>(d->ncols);
+    int *rstat = trv_alloc<int>(d->nrows);
+    int status = name && cstat && rstat ? start_working(lp, cstat, rstat) : 1001;
+    if (status == 0) status = bas_write(env, lp, name, cstat, rstat, n_it, 0);
+    if (status == 0)
+        TRVmsg(env->reschannel, "Basis written to file '%s'.\n", name);
+    else
+        TRVmsg(env->warnchannel, "Warning: Basis recovery file '%s' not written.\n",
+               name != nullptr ? name : "");
+    trv_free(&name);
+    trv_free(&cstat);
+    trv_free(&rstat);
+}
+

@@ -1,18 +1,124 @@
 /*
- * copynorm.cpp - pricing norms that the caller gives for the stored basis,
- * and their release. Primal weights come one per column and one per row
- * (for the row's slack or range column); dual norms one per basic
+ * basequery.cpp - the stored basis read back in the caller's terms, with
+ * the dual norms of its basic variables and the primal weights, and the
+ * pricing norms that the caller gives for it.
+ *
+ * Columns and rows added since the run read as they would enter the next
+ * one: columns nonbasic at a finite bound, rows with a basic slack.
+ * Norms given by the caller: primal weights one per column and one per
+ * row (for the row's slack or range column); dual norms one per basic
  * variable, named as TRVgetdnorms names them (a column j, or -i-1 for row
  * i's basic slack or range column). Every value must be positive and
  * finite (1003 otherwise); an array of the wrong length is 1207 when short
  * and 1208 when long. Nothing is changed unless all the checks pass. When
  * rows or columns were added since the basis was kept, the basis grows to
- * the model's size first, the new columns nonbasic and the new rows with
- * their slacks basic, as the next run would take them.
+ * the model's size first.
  */
 #include <cmath>
+#include <cstring>
 
-#include "simplex/dual.h"
+#include "store/basis.h"
+
+/* Handle checks, merge of pending additions, and the basis; null with
+ * *status set when there is none. */
+static const start_rec *base_frame(TRVenv *env, TRVlp *lp, int *status) {
+    *status = call_enter(env, lp, CALL_MERGE);
+    if (*status != 0) return nullptr;
+    const start_rec *sr = start_fitting(*lp);
+    if (sr == nullptr) *status = 1262;
+    return sr;
+}
+
+TRV_EXPORT int TRVgetbase(TRVenv env, TRVlp lp, int *cstat, int *rstat) {
+    int status;
+    const start_rec *sr = base_frame(&env, &lp, &status);
+    if (sr != nullptr) start_statuses(sr, lp->lpdata, cstat, rstat);
+    return call_leave(env, status);
+}
+
+TRV_EXPORT int TRVcangetbase(TRVenv env, TRVlp lp) {
+    int status = call_enter(&env, &lp, 0);
+    if (status != 0) {
+        call_leave(env, status);
+        return 0;
+    }
+    return start_fitting(lp) != nullptr;
+}
+
+/* The basic variables of the stored basis in the order the norm getters
+ * hand them out, structural columns by index and then rows by index, with
+ * their norms; a row's entry is its basic slack or range column. Returns
+ * the count, at most the number of rows. */
+static int basic_list(const start_rec *sr, const lp_data *d, int *head, double *norm) {
+    int k = 0;
+    for (int j = 0; j < sr->ncols && j < d->ncols; j++) {
+        if (sr->cstat[j] != 1) continue;
+        if (head) head[k] = j;
+        if (norm) norm[k] = sr->cnorm[j];
+        k++;
+    }
+    for (int i = 0; i < sr->nrows; i++) {
+        double w;
+        if (sr->rstat[i] == 1) w = sr->rnorm[i];
+        else if (sr->gstat[i] == 1) w = sr->gnorm[i];
+        else continue;
+        if (head) head[k] = -i - 1;
+        if (norm) norm[k] = w;
+        k++;
+    }
+    return k;
+}
+
+/* Norms exist only for a basis that a dual run with steepest-edge
+ * pricing left, and only while no row or column has been added. */
+static int norms_frame(TRVenv *env, TRVlp *lp, const start_rec **sr_p) {
+    int status;
+    const start_rec *sr = base_frame(env, lp, &status);
+    if (sr == nullptr) return status;
+    const lp_data *d = (*lp)->lpdata;
+    if (!sr->has_norms || sr->ncols != d->ncols || sr->nrows != d->nrows) return 1264;
+    *sr_p = sr;
+    return 0;
+}
+
+TRV_EXPORT int TRVgetdnorms(TRVenv env, TRVlp lp, double *norm, int *head, int *len_p) {
+    const start_rec *sr = nullptr;
+    int status = norms_frame(&env, &lp, &sr);
+    if (status == 0 && (norm == nullptr || head == nullptr || len_p == nullptr)) status = 1004;
+    if (status != 0) return call_leave(env, status);
+    *len_p = basic_list(sr, lp->lpdata, head, norm);
+    return 0;
+}
+
+TRV_EXPORT int TRVgetbasednorms(TRVenv env, TRVlp lp, int *cstat, int *rstat,
+                                double *dnorm) {
+    const start_rec *sr = nullptr;
+    int status = norms_frame(&env, &lp, &sr);
+    if (status == 0 && (cstat == nullptr || rstat == nullptr || dnorm == nullptr)) status = 1004;
+    if (status != 0) return call_leave(env, status);
+    start_statuses(sr, lp->lpdata, cstat, rstat);
+    basic_list(sr, lp->lpdata, nullptr, dnorm);
+    return 0;
+}
+
+/* Primal norms exist for a basis that a primal run with steepest-edge
+ * pricing left or that the caller gave them, while the model has the
+ * basis's size. */
+TRV_EXPORT int TRVgetpnorms(TRVenv env, TRVlp lp, double *cnorm, double *rnorm, int *len_p) {
+    int status;
+    const start_rec *sr = base_frame(&env, &lp, &status);
+    if (sr == nullptr) return call_leave(env, status);
+    const lp_data *d = lp->lpdata;
+    if (!sr->has_pnorms || sr->ncols != d->ncols || sr->nrows != d->nrows) status = 1264;
+    else if (cnorm == nullptr || rnorm == nullptr || len_p == nullptr) status = 1004;
+    if (status != 0) return call_leave(env, status);
+    std::memcpy(cnorm, sr->pcnorm, sizeof(double) * sr->ncols);
+    std::memcpy(rnorm, sr->prnorm, sizeof(double) * sr->nrows);
+    *len_p = sr->ncols;
+    return 0;
+}
+
+/* ---- norms given by the caller ------------------------------------------ */
 
 /* 1003 reported unless each of the cnt values can be a norm. */
 static int check_values(TRVenv env, const double *v, int cnt) {
