@@ -25,7 +25,7 @@
 #include <string>
 #include <vector>
 
-#include "simplex/lu.h"
+#include "simplex/core.h"
 
 namespace {
 

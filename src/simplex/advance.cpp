@@ -11,7 +11,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "simplex/dual.h"
+#include "simplex/core.h"
 
 /* All slacks (or the artificials of rows without one) basic. */
 static void start_slack(TRVlp lp) {

@@ -9,7 +9,7 @@
 #include <cmath>
 #include <cstring>
 
-#include "simplex/lu.h"
+#include "simplex/core.h"
 
 void lu_release_spikes(lu_record *lu) {
     lu->spike_nz = -1;

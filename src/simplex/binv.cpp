@@ -9,7 +9,7 @@
  * or for a ranged row its range column). Every row variable is taken with
  * the column +e_i, so that its value is the row's slack rhs - A x.
  */
-#include "simplex/dual.h"
+#include "simplex/core.h"
 
 /* What turns a working value of variable j into the caller's: the scale
  * factor, and for a row variable the sign of its working column. */

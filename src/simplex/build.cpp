@@ -6,7 +6,7 @@
 #include <cmath>
 #include <cstring>
 
-#include "simplex/dual.h"
+#include "simplex/core.h"
 
 static void splp_release(simplex_lp *s) {
     trv_free(&s->col_len);

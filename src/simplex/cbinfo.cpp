@@ -4,7 +4,7 @@
  * state of a running driver come from the driver's answer function, set in
  * the solver record when the primal and dual drivers run.
  */
-#include "simplex/splp.h"
+#include "simplex/core.h"
 
 int simplex_cbinfo(TRVlp lp, int wherefrom, int whichinfo, void *result) {
     if (lp->solver == nullptr) return 1006;

@@ -6,12 +6,7 @@
  */
 #include <cmath>
 
-#include "simplex/dual.h"
-
-static int refactor_retry(TRVenv env, TRVlp lp) {
-    int st = dual_refactor(env, lp);
-    return st != 0 ? st : RC_RETRY;
-}
+#include "simplex/core.h"
 
 /* The violation a basic value must pass to be chosen. In phase 1 the
  * values are those of the auxiliary box, whose units are those of the
@@ -28,7 +23,7 @@ static double select_tol(const dual_state *ds) {
 
 /* The leaving row, or -1 with a status set when none remains after the
  * clean-up. Returns 0 or an error code. */
-static int price_with_ladder(TRVenv env, TRVlp lp, int *p_out) {
+int dual_price_ladder(TRVenv env, TRVlp lp, int *p_out) {
     dual_state *ds = lp->dual;
     *p_out = dual_price_select(lp, select_tol(ds));
     if (*p_out >= 0) return 0;
@@ -54,7 +49,7 @@ static int price_with_ladder(TRVenv env, TRVlp lp, int *p_out) {
             ds->status = LPS_UNB_OR_INF;
             return 0;
         }
-        dual_progress_reset(lp);
+        progress_reset(lp, ds);
         *p_out = dual_price_select(lp, ds->feas_tol);
         if (*p_out >= 0) return 0;
     }
@@ -65,7 +60,7 @@ static int price_with_ladder(TRVenv env, TRVlp lp, int *p_out) {
         ds->pricing = DPR_STEEP_UNIT;
         dual_norms_reset(lp);
         ds->norms_ready = 1;
-        dual_progress_reset(lp);
+        progress_reset(lp, ds);
         if (ds->log.display > 0 && lp->solver->it.n_it > 0)
             TRVmsg(env->reschannel, "Switched to steepest-edge.\n");
         *p_out = dual_price_select(lp, ds->feas_tol);
@@ -129,7 +124,7 @@ static void after_refactor(TRVlp lp) {
     ds->updates = 0;
     ds->log.refactored = 1;
     dual_compute_d(lp);
-    if (ds->phase == 2 && dual_count_dinf(lp, ds->dual_tol, nullptr) > 0) {
+    if (ds->phase == 2 && dual_count_dinf(lp, ds->opt_tol, nullptr) > 0) {
         dual_set_phase(lp);
         return;
     }
@@ -207,7 +202,7 @@ static int dual_try(TRVenv env, TRVlp lp, int p, int forced) {
          * it stands on a fresh factorization and with every variable in
          * the ratio test, those a repair fixed included */
         if (dual_release_fixed(env, lp, 1)) return RC_RETRY;
-        if (ds->updates > 0) return refactor_retry(env, lp);
+        if (ds->updates > 0) return run_refactor_retry(env, lp, ds);
         if (ds->phase == 1 || !row_proves_infeasibility(lp, dir, slope)) return RC_RETRY;
         ds->status = LPS_INFEASIBLE;
         ds->log.left = r_var;
@@ -217,19 +212,8 @@ static int dual_try(TRVenv env, TRVlp lp, int p, int forced) {
     int q = ds->rw_enter;
     entering_column(lp, q);
     double alpha_p = ds->alpha.val[p];
-    double check = ds->prow[q];
-    if (std::fabs(check - alpha_p) > 1e-7 * (1.0 + std::fabs(alpha_p))) {
-        if (ds->updates > 0) return refactor_retry(env, lp);
-        if (std::fabs(check - alpha_p) > 1e-3 * (1.0 + std::fabs(alpha_p)) && !forced)
-            return RC_RETRY;
-    }
-    if (std::fabs(alpha_p) < 1e-11) return RC_RETRY;
-    it->leave_pos = p;
-    it->enter_var = q;
-    it->alpha = alpha_p;
-    int ck = 0;
-    lu_update_check(lp, alpha_p, 1, &ck);
-    if (ck == RC_RETRY && !forced) return RC_RETRY;
+    int ck = run_pivot_check(env, lp, ds, p, q, alpha_p, 1e-11, forced);
+    if (ck != 0) return ck;
 
     /* the dual step; a slightly infeasible d[q] is shifted to zero */
     double a_q = dir * ds->prow[q];
@@ -248,16 +232,9 @@ static int dual_try(TRVenv env, TRVlp lp, int p, int forced) {
             rho2 += v * v;
         }
         /* the solve consumes its right-hand side: rho goes in a copy */
-        sparse_vec *c = &ds->col;
-        sv_clear(c);
-        for (int k = 0; k < rho->nz; k++) {
-            int i = rho->idx[k];
-            c->val[i] = rho->val[i];
-            c->idx[k] = i;
-        }
-        c->nz = rho->nz;
+        sv_copy(&ds->col, rho);
         sv_clear(&ds->tau);
-        lu_ftran_nospike(lp->factor, &ds->tau, c);
+        lu_ftran_nospike(lp->factor, &ds->tau, &ds->col);
         if (ds->tau.nz < 0) sv_from_dense(&ds->tau);
     }
     double dq_old = it->d[q];
@@ -311,7 +288,7 @@ static int dual_try(TRVenv env, TRVlp lp, int p, int forced) {
 
 /* Tries the rows: p first, then further choices of the pricing while
  * attempts fail on poor pivots. */
-static int dual_pivot(TRVenv env, TRVlp lp, int p) {
+int dual_pivot(TRVenv env, TRVlp lp, int p) {
     simplex_iter *it = &lp->solver->it;
     dual_state *ds = lp->dual;
     int first = p;
@@ -332,7 +309,7 @@ static int dual_pivot(TRVenv env, TRVlp lp, int p) {
         it->pos_ban[p] = 33;
         ds->n_banned++;
     }
-    if (ds->updates > 0) return refactor_retry(env, lp);
+    if (ds->updates > 0) return run_refactor_retry(env, lp, ds);
     /* a fresh factorization and still no good pivot: take one */
     for (int i = 0; i < lp->solver->splp.m; i++)
         if (it->pos_ban[i] == 33) it->pos_ban[i] = 0;
@@ -351,18 +328,4 @@ static int dual_pivot(TRVenv env, TRVlp lp, int p) {
         return 0;
     }
     return r;
-}
-
-/* One iteration: price and pivot until something other than a retry. */
-int dual_iterate(TRVenv env, TRVlp lp) {
-    dual_state *ds = lp->dual;
-    for (int round = 0; round < 20; round++) {
-        int p = -1;
-        int st = price_with_ladder(env, lp, &p);
-        if (st == RC_RETRY) continue;
-        if (st != 0 || ds->status != 0 || p < 0) return st;
-        st = dual_pivot(env, lp, p);
-        if (st != RC_RETRY) return st;
-    }
-    return 0;
 }

@@ -1,44 +1,30 @@
 /*
- * doptutil.cpp - the run state of the dual simplex and its recomputations:
- * basic values, duals and reduced costs, the bound choice of the boxed
- * variables, the auxiliary box of phase 1 and the phase test, the pivot
- * row, the refactorization, and the iteration log.
+ * doptutil.cpp - the dual's part of the run record and its
+ * recomputations: basic values, duals and reduced costs, the bound choice
+ * of the boxed variables, the auxiliary box of phase 1 and the phase
+ * test, the layout of the row-wise copy, the pivot row and the
+ * refactorization.
  */
 #include <cmath>
 #include <cstring>
 
-#include "simplex/dual.h"
+#include "simplex/core.h"
 
 static void state_release(dual_state *ds) {
-    trv_free(&ds->lower);
-    trv_free(&ds->upper);
-    trv_free(&ds->cost);
-    trv_free(&ds->rhs);
+    run_release(ds);
     trv_free(&ds->lo_on);
     trv_free(&ds->up_on);
-    sv_free(&ds->rho);
-    sv_free(&ds->col);
-    sv_free(&ds->alpha);
-    sv_free(&ds->tau);
     sv_free(&ds->fcol);
     sv_free(&ds->fdelta);
-    trv_free(&ds->prow);
-    trv_free(&ds->prow_idx);
-    trv_free(&ds->ar_beg);
     trv_free(&ds->ar_nnb);
     trv_free(&ds->ar_pos);
     trv_free(&ds->ar_k);
-    trv_free(&ds->ar_idx);
-    trv_free(&ds->ar_val);
-    trv_free(&ds->work);
-    trv_free(&ds->work2);
     trv_free(&ds->iwork);
     trv_free(&ds->cand_j);
     trv_free(&ds->cand_ratio);
     trv_free(&ds->cand_a);
     trv_free(&ds->cand_h);
     trv_free(&ds->flip_list);
-    trv_free(&ds->attempted);
 }
 
 void dual_free(TRVlp lp) {
@@ -48,24 +34,17 @@ void dual_free(TRVlp lp) {
     if (lp->solver != nullptr) lp->solver->it.has_dual = 0;
 }
 
-/* Row-wise copy of the columns 0..ntotal-1 (artificials never enter). */
+/* Row-wise copy of the columns 0..ntotal-1 (artificials never enter),
+ * laid out by dual_row_partition. */
 static int build_rowwise(const simplex_lp *s, dual_state *ds) {
-    int m = s->m, nt = s->ntotal;
-    long nz = 0;
-    for (int j = 0; j < nt; j++) nz += s->col_len[j];
-    ds->ar_beg = trv_zalloc<int>(m + 1);
+    if (run_rowwise(s, ds) != 0) return 1001;
+    int m = s->m;
+    long nz = ds->ar_beg[m];
     ds->ar_nnb = trv_zalloc<int>(m);
-    ds->ar_idx = trv_alloc<int>(nz);
-    ds->ar_val = trv_alloc<double>(nz);
     ds->ar_k = trv_alloc<int>(nz);
     /* one place per entry of the columns 0..ntotal-1, which start at 0 */
     ds->ar_pos = trv_alloc<int>(nz + 1);
-    if (!ds->ar_beg || !ds->ar_nnb || !ds->ar_idx || !ds->ar_val || !ds->ar_k || !ds->ar_pos)
-        return 1001;
-    for (int j = 0; j < nt; j++)
-        for (int k = s->col_beg[j]; k < s->col_end[j]; k++) ds->ar_beg[s->row_idx[k] + 1]++;
-    for (int i = 0; i < m; i++) ds->ar_beg[i + 1] += ds->ar_beg[i];
-    return 0;
+    return ds->ar_nnb && ds->ar_k && ds->ar_pos ? 0 : 1001;
 }
 
 /* Lays out each row of the copy with its nonbasic entries first. */
@@ -134,44 +113,26 @@ void dual_row_swap(TRVlp lp, int entering, int leaving) {
 int dual_state_alloc(TRVenv env, TRVlp lp) {
     (void)env;
     dual_free(lp);
-    dual_state *ds = trv_zalloc<dual_state>(1);
+    dual_state *ds = run_new(&lp->dual, &dual_ops);
     if (ds == nullptr) return 1001;
-    lp->dual = ds;
     const simplex_lp *s = &lp->solver->splp;
     simplex_iter *it = &lp->solver->it;
     int m = s->m, nc = s->ncoltot;
-    ds->lower = trv_alloc<double>(nc);
-    ds->upper = trv_alloc<double>(nc);
-    ds->cost = trv_alloc<double>(nc);
-    ds->rhs = trv_zalloc<double>(m);
+    if (run_alloc(lp, ds) != 0) return 1001;
     ds->lo_on = trv_alloc<signed char>(nc);
     ds->up_on = trv_alloc<signed char>(nc);
-    ds->prow = trv_zalloc<double>(nc);
-    ds->prow_idx = trv_alloc<int>(nc);
-    ds->work = trv_zalloc<double>(m);
-    ds->work2 = trv_zalloc<double>(m);
     ds->iwork = trv_alloc<int>(m);
     ds->cand_j = trv_alloc<int>(nc);
     ds->cand_ratio = trv_alloc<double>(nc);
     ds->cand_a = trv_alloc<double>(nc);
     ds->cand_h = trv_alloc<double>(nc);
     ds->flip_list = trv_alloc<int>(nc);
-    ds->attempted = trv_alloc<int>(64);
-    if (it->d == nullptr) it->d = trv_zalloc<double>(nc);
-    if (it->y == nullptr) it->y = trv_zalloc<double>(m);
     if (it->dweight == nullptr) it->dweight = trv_alloc<double>(m);
-    if (!ds->lower || !ds->upper || !ds->cost || !ds->rhs || !ds->lo_on || !ds->up_on ||
-        !ds->prow || !ds->prow_idx || !ds->work || !ds->work2 || !ds->iwork || !ds->cand_j ||
-        !ds->cand_ratio || !ds->cand_a || !ds->cand_h || !ds->flip_list || !ds->attempted || !it->d ||
-        !it->y || !it->dweight)
+    if (!ds->lo_on || !ds->up_on || !ds->iwork || !ds->cand_j || !ds->cand_ratio ||
+        !ds->cand_a || !ds->cand_h || !ds->flip_list || !it->dweight)
         return 1001;
-    if (sv_alloc(&ds->rho, m) || sv_alloc(&ds->col, m) || sv_alloc(&ds->alpha, m) ||
-        sv_alloc(&ds->tau, m) || sv_alloc(&ds->fcol, m) || sv_alloc(&ds->fdelta, m))
-        return 1001;
+    if (sv_alloc(&ds->fcol, m) || sv_alloc(&ds->fdelta, m)) return 1001;
     if (build_rowwise(s, ds)) return 1001;
-    for (int j = 0; j < nc; j++) ds->cost[j] = s->sense * s->cost[j];
-    const lp_data *d = lp->lpdata;
-    for (int i = 0; i < m; i++) ds->rhs[i] = d->rhs[i];
     for (int i = 0; i < m; i++) it->dweight[i] = 1.0;
     dual_true_bounds(lp);
     it->has_dual = 1;
@@ -213,14 +174,10 @@ static void aux_bounds(TRVlp lp) {
 void dual_compute_x(TRVlp lp) {
     simplex_iter *it = &lp->solver->it;
     dual_state *ds = lp->dual;
-    for (int j = 0; j < lp->solver->splp.ncoltot; j++) {
-        int st = it->status[j];
-        if (st == 1) continue;
-        if (st == 0) it->x[j] = ds->lower[j];
-        else if (st == 2) it->x[j] = ds->upper[j];
-        else if (ds->lo_on[j] && ds->up_on[j]) it->x[j] = 0.0;
-    }
-    basic_values(lp, ds->rhs, ds->work);
+    /* a free variable in the auxiliary box sits at zero */
+    for (int j = 0; j < lp->solver->splp.ncoltot; j++)
+        if (it->status[j] == VS_SUPER && ds->lo_on[j] && ds->up_on[j]) it->x[j] = 0.0;
+    run_compute_x(lp, ds);
 }
 
 /* Duals from the basic costs, reduced costs of the nonbasic variables. */
@@ -276,8 +233,8 @@ int dual_fix_boxed(TRVlp lp) {
             continue;
         }
         double dj = it->d[j];
-        if (st == 0 && dj < -ds->dual_tol) it->status[j] = 2, moved++;
-        else if (st == 2 && dj > ds->dual_tol) it->status[j] = 0, moved++;
+        if (st == 0 && dj < -ds->opt_tol) it->status[j] = 2, moved++;
+        else if (st == 2 && dj > ds->opt_tol) it->status[j] = 0, moved++;
         else if (st == 3) it->status[j] = dj >= 0.0 ? 0 : 2, moved++;
     }
     return moved;
@@ -345,7 +302,7 @@ int dual_set_phase(TRVlp lp) {
     ds->phase_sets++;
     dual_true_bounds(lp);
     true_status(lp);
-    ds->n_dinf = dual_count_dinf(lp, ds->dual_tol, &ds->sum_dinf);
+    ds->n_dinf = dual_count_dinf(lp, ds->opt_tol, &ds->sum_dinf);
     if (ds->n_dinf == 0) {
         ds->phase = 2;
     } else {
@@ -362,26 +319,18 @@ int dual_set_phase(TRVlp lp) {
 /* The refactorization with repair allowed; the values, duals and phase
  * follow. */
 int dual_refactor(TRVenv env, TRVlp lp) {
-    simplex_iter *it = &lp->solver->it;
     dual_state *ds = lp->dual;
-    int st = lu_refactor(env, lp, &it->markowitz, it->pivot_tol, 1, 0);
+    int st = run_refactor(env, lp, ds);
     if (st != 0 && st != RC_REPAIRED) return st;
-    ds->updates = 0;
-    ds->log.refactored = 1;
     dual_row_partition(lp);
-    if (ds->n_banned > 0) {
-        for (int i = 0; i < lp->solver->splp.m; i++)
-            if (it->pos_ban[i] == 33) it->pos_ban[i] = 0;
-        ds->n_banned = 0;
-    }
     dual_compute_d(lp);
     if (st == RC_REPAIRED) {
         dual_norms_reset(lp);
         dual_set_phase(lp);
-        dual_progress_reset(lp);
+        progress_reset(lp, ds);
         return 0;
     }
-    if (ds->phase == 2 && dual_count_dinf(lp, ds->dual_tol, nullptr) > 0) {
+    if (ds->phase == 2 && dual_count_dinf(lp, ds->opt_tol, nullptr) > 0) {
         dual_set_phase(lp);
         return 0;
     }
@@ -408,7 +357,7 @@ static bool fixed_needed(const TRVlp lp, bool row) {
     }
     for (int j = 0; j < lp->solver->splp.ncoltot; j++)
         if (it->ban[j] == 32 && it->status[j] != 1 &&
-            dual_infeasibility(ds, it, j) > ds->dual_tol)
+            dual_infeasibility(ds, it, j) > ds->opt_tol)
             return true;
     return false;
 }
@@ -423,16 +372,8 @@ int dual_release_fixed(TRVenv env, TRVlp lp, int row) {
     if (released == 0) return 0;
     lp->solver->it.reincluded++;
     dual_set_phase(lp);
-    dual_progress_reset(lp);
+    progress_reset(lp, lp->dual);
     return 1;
-}
-
-int dual_refresh(TRVenv env, TRVlp lp) {
-    lu_record *lu = lp->factor;
-    if (lu == nullptr || !lu->valid || lp->dual->updates > 0) return dual_refactor(env, lp);
-    dual_compute_d(lp);
-    dual_set_phase(lp);
-    return 0;
 }
 
 /* The pivot row of basis position p over the nonbasic variables, in prow
@@ -482,20 +423,4 @@ void dual_pivot_row(TRVlp lp, int p) {
             }
         }
     }
-}
-
-/* ---- the iteration log ---------------------------------------------------- */
-
-/* Phase 1 reports the sum of dual infeasibilities, minus the objective
- * of the auxiliary box. */
-void dual_log(TRVenv env, TRVlp lp, int force) {
-    dual_state *ds = lp->dual;
-    iter_log_line(env, &ds->log, ds->phase, lp->solver->it.n_it, -ds->objective,
-                  lp->solver->splp.sense * ds->objective, force);
-}
-
-void dual_log_detail(TRVenv env, TRVlp lp) {
-    dual_state *ds = lp->dual;
-    iter_log_detail(env, lp, &ds->log, ds->phase, ds->perturb.active, lp->solver->it.n_it,
-                    -ds->objective, lp->solver->splp.sense * ds->objective);
 }

@@ -9,7 +9,7 @@
  */
 #include <cmath>
 
-#include "simplex/dual.h"
+#include "simplex/core.h"
 
 /* The mode from the pricing parameter: 0 chooses the steepest edge with a
  * unit start when a basis is given, the exact start otherwise. */

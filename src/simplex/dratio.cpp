@@ -19,7 +19,7 @@
  */
 #include <cmath>
 
-#include "simplex/dual.h"
+#include "simplex/core.h"
 
 #define DR_GOOD 1e-7      /* smallest pivot taken without a second look */
 

@@ -3,7 +3,7 @@
  * dispatch. The procedure around the driver is solve_simplex's; the final
  * basis is kept with its dual norms, so the next run starts from it.
  */
-#include "simplex/dual.h"
+#include "simplex/core.h"
 
 static int dual_run(TRVenv env, TRVlp lp, double start, int *itcnt, int *ph1) {
     int status = simplex_build(env, lp);

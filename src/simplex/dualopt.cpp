@@ -9,35 +9,17 @@
  */
 #include <cmath>
 
-#include "formats/bas.h"
-#include "frame/callback.h"
-#include "simplex/dual.h"
+#include "simplex/core.h"
 
+/* The dual's own parameters beside those both drivers read. */
 static void load_run_parameters(TRVenv env, TRVlp lp) {
     const simplex_lp *s = &lp->solver->splp;
     dual_state *ds = lp->dual;
-    ds->dual_tol = par_dbl(env, 1014);
-    ds->feas_tol = par_dbl(env, 1016);
-    ds->p1_tol = 1e-7;
     double h = par_dbl(env, 1049);
-    ds->harris_delta = h < ds->dual_tol ? h : ds->dual_tol;
+    ds->harris_delta = h < ds->opt_tol ? h : ds->opt_tol;
     if (s->harris_dual > 0.0 && s->harris_dual < ds->harris_delta) ds->harris_delta = s->harris_dual;
     ds->harris_base = ds->harris_delta;
-    ds->infeas_limit = s->m * ds->dual_tol;
-    ds->log.display = par_int(env, 1019);
-    ds->it_limit = par_int(env, 1020);
-    ds->time_limit = par_dbl(env, 1039);
-    /* the run minimises sense * c x: an upper limit on a minimisation, the
-     * negated lower limit of a maximisation */
-    ds->obj_limit = s->sense > 0 ? par_dbl(env, 1026) : -par_dbl(env, 1025);
     ds->candidates_max = candidates_for(s->n);
-    ds->perturb.size = par_dbl(env, 1015);
-    ds->perturb.shift_limit = PR_NOLIMIT;
-    ds->log.last_phase_logged = 0;
-    ds->log.entered = ds->log.left = -1;
-    ds->fast = par_int(env, 1017) > 0;
-    ds->log.scaled = lp->lpdata->colscale != nullptr;
-    ds->last_perturb_it = -1;
 }
 
 /* The figures of a running dual for TRVgetcallbackinfo. */
@@ -67,77 +49,27 @@ static int dual_cbinfo(TRVlp lp, int wherefrom, int whichinfo, void *result) {
     }
 }
 
-/* Objective limit of phase 2: the dual objective only rises, so once it
- * passes the limit, confirmed on a fresh factorization, the run stops with
- * status 4. */
-static int objective_limit(TRVenv env, TRVlp lp) {
-    dual_state *ds = lp->dual;
-    if (ds->phase != 2 || ds->obj_limit >= PR_BIG) return 0;
-    if (ds->perturb.active || ds->perturb.shift_count > 0) return 0;
-    if (ds->objective < ds->obj_limit) return 0;
-    if (ds->fast) {
-        ds->status = LPS_OBJLIM;
-        return 0;
-    }
-    if (ds->updates > 0) {
-        int st = dual_refactor(env, lp);
-        if (st != 0) return st;
-    }
-    ds->objective = dual_objective(lp);
-    if (ds->phase == 2 && ds->objective >= ds->obj_limit) ds->status = LPS_OBJLIM;
-    return 0;
-}
+/* ---- the dual's choices in the shared parts of a run ---------------------------- */
 
-static void elapsed_print(TRVenv env, TRVlp lp) {
-    iter_log_elapsed(env, &lp->dual->log, lp->solver->it.n_it, lp->dual->start_time);
-}
+/* Phase 1 reports the sum of dual infeasibilities, minus the objective of
+ * the auxiliary box. */
+static double infeasibility(TRVlp lp) { return -lp->dual->objective; }
 
-static int main_loop(TRVenv env, TRVlp lp) {
-    simplex_iter *it = &lp->solver->it;
-    dual_state *ds = lp->dual;
-    dual_progress_reset(lp);
-    while (true) {
-        if (it->n_it >= ds->it_limit || ds->abort) break;
-        if (cb_call(env, PAR_LP, lp->handle, TRV_CALLBACK_DUAL) != 0) {
-            ds->abort = 1;
-            break;
-        }
-        if (it->n_it > 0 && it->n_it % 25 == 0 && ds->time_limit < PR_BIG &&
-            env_time(env) - ds->start_time >= ds->time_limit) {
-            ds->abort = 2;
-            break;
-        }
-        int phase_before = ds->phase;
-        int st = dual_iterate(env, lp);
-        if (st != 0) return st;
-        if (ds->status != 0) break;
-        st = objective_limit(env, lp);
-        if (st != 0) return st;
-        if (ds->status != 0) break;
-        start_periodic(env, lp, it->n_it);
-        elapsed_print(env, lp);
-        st = dual_progress_check(env, lp);
-        if (st != 0) return st;
-        it->n_it++;
-        if (phase_before == 1) ds->n_it_phase1++;
-        if (ds->status != 0) break; /* the stall control gave up */
-        if (ds->log.display >= 2) dual_log_detail(env, lp);
-        else if (ds->log.display == 1) dual_log(env, lp, 0);
-    }
-    return 0;
-}
+/* The dual objective rises in both phases. */
+static double progress_value(TRVlp lp) { return lp->dual->objective; }
 
-/* Status of a run that stopped on a limit or an abort: feasible means
- * primal feasible here, as for the primal simplex. */
-static int limit_status(TRVlp lp) {
+/* Feasible means primal feasible here, as for the primal simplex. */
+static bool feasible(TRVlp lp) {
     const dual_state *ds = lp->dual;
     int n_inf = 0;
     dual_pinf(lp, ds->feas_tol, &n_inf);
-    bool feas = ds->phase == 2 && n_inf == 0;
-    if (ds->abort == 1) return feas ? LPS_ABORT_FEAS : LPS_ABORT_INFEAS;
-    if (ds->abort == 2) return feas ? LPS_TIME_FEAS : LPS_TIME_INFEAS;
-    return feas ? LPS_IT_FEAS : LPS_IT_INFEAS;
+    return ds->phase == 2 && n_inf == 0;
 }
+
+const run_ops dual_ops = {
+    TRV_CALLBACK_DUAL, 1, 1, nullptr, dual_price_ladder, dual_pivot, dual_refactor,
+    dual_objective, infeasibility, progress_value, dual_perturb, nullptr, feasible,
+};
 
 /* A cold start where many structurals have a zero reduced cost: the run
  * would stall on ties from its first iterations, so the costs are
@@ -151,7 +83,7 @@ static bool dual_degenerate(TRVlp lp) {
         if (it->status[j] == 1) continue;
         if (ds->lo_on[j] && ds->up_on[j] && ds->lower[j] == ds->upper[j]) continue;
         nonbasic++;
-        if (std::fabs(it->d[j]) <= ds->dual_tol) zero++;
+        if (std::fabs(it->d[j]) <= ds->opt_tol) zero++;
     }
     return nonbasic > 0 && 20 * zero >= nonbasic;
 }
@@ -218,36 +150,13 @@ int dual_takeover(TRVenv env, TRVlp lp, int *rc) {
     return 1;
 }
 
-/* The largest violation in the caller's units of a scaled run: of a bound
- * by a basic value (dual 0) or of the sign of a reduced cost (dual 1). */
-static double unscaled_violation(TRVlp lp, int dual) {
-    const lp_data *d = lp->lpdata;
-    if (d->colscale == nullptr) return 0.0;
-    const simplex_lp *s = &lp->solver->splp;
+/* The dual infeasibility of nonbasic j, in the working units; a boxed
+ * variable has none, a flip fixes it. */
+static double dual_violation(TRVlp lp, int j) {
     const simplex_iter *it = &lp->solver->it;
     const dual_state *ds = lp->dual;
-    double worst = 0.0;
-    if (!dual) {
-        for (int i = 0; i < s->m; i++) {
-            int j = it->head[i];
-            double x = it->x[j], v = 0.0;
-            if (ds->lo_on[j] && x < ds->lower[j]) v = ds->lower[j] - x;
-            if (ds->up_on[j] && x > ds->upper[j]) v = x - ds->upper[j];
-            if (v == 0.0) continue; /* an artificial: its row's violation */
-            v = j < s->nstruct ? v / d->colscale[j] : v * d->rowscale[s->row_of_var[j]];
-            if (v > worst) worst = v;
-        }
-        return worst;
-    }
-    for (int j = 0; j < s->ntotal; j++) {
-        if (it->status[j] == 1) continue;
-        if (ds->lo_on[j] && ds->up_on[j]) continue; /* boxed: a flip fixes it */
-        double v = dual_infeasibility(ds, it, j);
-        if (v == 0.0) continue;
-        v *= j < s->nstruct ? d->colscale[j] : 1.0 / d->rowscale[s->row_of_var[j]];
-        if (v > worst) worst = v;
-    }
-    return worst;
+    if (it->status[j] == VS_BASIC || (ds->lo_on[j] && ds->up_on[j])) return 0.0;
+    return dual_infeasibility(ds, it, j);
 }
 
 /* The ratio test lets a reduced cost pass zero by up to the Harris
@@ -257,7 +166,7 @@ static double unscaled_violation(TRVlp lp, int dual) {
  * factorization, and phase 1 hands it back at once: a loop between the
  * phases. */
 static void relax_within_tolerance(dual_state *ds) {
-    double cap = 0.5 * ds->dual_tol;
+    double cap = 0.5 * ds->opt_tol;
     if (ds->harris_delta > cap) ds->harris_delta = cap;
     if (ds->harris_base > cap) ds->harris_base = cap;
 }
@@ -267,23 +176,10 @@ static void relax_within_tolerance(dual_state *ds) {
  * when none was dropped or none violates, 1 when the run must go on with
  * them, 2 when they still violate after that round. */
 static int release_dropped(TRVenv env, TRVlp lp) {
-    dual_state *ds = lp->dual;
-    int dropped = 0;
     /* judged at the caller's tolerance: the run may have tightened its
      * own for a closer look */
-    int v = release_fixed(env, lp, std::fmax(ds->dual_tol, par_dbl(env, 1014)), dual_dj, &dropped);
-    if (dropped == 0) return 0;
-    if (v == 0) {
-        TRVmsg(env->errchannel, "Dropped variables satisfy optimality criteria.\n");
-        return 0;
-    }
-    if (lp->solver->it.reincluded < RELEASE_ROUNDS) {
-        lp->solver->it.reincluded++;
-        TRVmsg(env->errchannel, "Attempting to reinclude dropped variables.\n");
-        return 1;
-    }
-    TRVmsg(env->errchannel, "There are %d violations to optimality.\n", v);
-    return 2;
+    double tol = std::fmax(lp->dual->opt_tol, par_dbl(env, 1014));
+    return run_release_dropped(env, lp, tol, dual_dj, nullptr);
 }
 
 /* Removal of the perturbation and the decision on fresh figures. Returns 1
@@ -320,17 +216,17 @@ static int confirm_optimum(TRVenv env, TRVlp lp, int internal, int *err) {
     }
     /* a scaled optimum must also be one in the caller's units: the
      * working tolerance that let a violation through is tightened */
-    double w = unscaled_violation(lp, 0);
+    double w = run_unscaled_pinf(lp);
     double tol = par_dbl(env, 1016);
     if (w > tol && ds->feas_tol > 1e-12) {
         ds->feas_tol = std::fmax(ds->feas_tol * tol / w, 1e-12);
         ds->status = 0;
         return 1;
     }
-    w = unscaled_violation(lp, 1);
+    w = run_unscaled_dinf(lp, dual_violation);
     tol = par_dbl(env, 1014);
-    if (w > tol && ds->dual_tol > 1e-12) {
-        ds->dual_tol = std::fmax(ds->dual_tol * tol / w, 1e-12);
+    if (w > tol && ds->opt_tol > 1e-12) {
+        ds->opt_tol = std::fmax(ds->opt_tol * tol / w, 1e-12);
         relax_within_tolerance(ds);
         ds->status = 0;
         dual_set_phase(lp);
@@ -341,10 +237,10 @@ static int confirm_optimum(TRVenv env, TRVlp lp, int internal, int *err) {
      * visibly on models with large values */
     if (!ds->polished) {
         ds->polished = 1;
-        ds->dual_tol *= 0.1;
+        ds->opt_tol *= 0.1;
         ds->feas_tol *= 0.1;
         relax_within_tolerance(ds);
-        if (dual_count_dinf(lp, ds->dual_tol, nullptr) > 0) {
+        if (dual_count_dinf(lp, ds->opt_tol, nullptr) > 0) {
             ds->status = 0;
             dual_set_phase(lp);
             return 1;
@@ -382,21 +278,18 @@ int dual_opt(TRVenv env, TRVlp lp, int it_so_far, int it1_so_far, double start_t
     st = dual_state_alloc(env, lp);
     if (st != 0) return st;
     dual_state *ds = lp->dual;
-    simplex_iter *it = &lp->solver->it;
+    run_parameters(env, lp, ds, start_time, it_so_far, it1_so_far);
     load_run_parameters(env, lp);
     ds->pricing = pricing;
     lp->solver->cbinfo = dual_cbinfo;
-    ds->start_time = start_time;
-    ds->log.last_elapsed_print = start_time;
-    it->n_it = it_so_far;
-    ds->n_it_phase1 = it1_so_far;
     st = lu_alloc(env, lp);
     if (st != 0) return st;
     /* the kept basis of the problem, or the slack basis the working LP
      * was built with */
     int loaded = start_load(env, lp);
     if (mode == 0 && loaded && par_int(env, 1001) != 0) ds->pricing = DPR_STEEP_UNIT;
-    dual_progress_init(env, ds, lp->solver->splp.n);
+    int n = lp->solver->splp.n;
+    progress_init(env, ds, n < 1000 ? 50 : 100, n);
     ds->phase = 0;
     st = dual_refactor(env, lp);
     if (st != 0) return st;
@@ -404,29 +297,21 @@ int dual_opt(TRVenv env, TRVlp lp, int it_so_far, int it1_so_far, double start_t
     st = dual_norms_init(env, lp);
     if (st != 0) return st;
     if (par_int(env, 1027) || (!loaded && dual_degenerate(lp))) dual_perturb(env, lp);
-    if (ds->log.display == 1) dual_log(env, lp, 1);
+    if (ds->log.display == 1) run_log(env, lp, ds, 1);
     int rounds = 0;
     while (true) {
-        st = main_loop(env, lp);
+        st = run_main_loop(env, lp, ds);
         if (st != 0) return st;
         if (ds->status == 0) {
             /* a limit or an abort: the values on the true costs */
             if (ds->perturb.active || ds->perturb.shift_count > 0) dual_remove(env, lp);
-            ds->status = limit_status(lp);
+            ds->status = run_limit_status(lp, ds);
             break;
         }
         if (ds->status == LPS_OBJLIM || ds->status == LPS_NONOPT_FEAS ||
             ds->status == LPS_NONOPT_INFEAS)
             break;
         if (++rounds > 30) break;
-        if (ds->status == LPS_OPTIMAL) {
-            int err = 0;
-            int again = confirm_optimum(env, lp, internal, &err);
-            if (err != 0) return err;
-            if (again == 1) continue;
-            if (again == 2) return hand_to_primal(env, lp);
-            break;
-        }
         if (ds->status == LPS_UNB_OR_INF) {
             /* dual infeasible: only the primal tells unbounded from
              * infeasible, unless the caller asked for no hand-over */
@@ -436,24 +321,21 @@ int dual_opt(TRVenv env, TRVlp lp, int it_so_far, int it1_so_far, double start_t
         }
         if (ds->status == LPS_INFEASIBLE) {
             /* the proof must stand on a fresh factorization and the true
-             * bounds */
+             * bounds; where it falls, the basis may be an optimum */
             ds->status = 0;
             dual_remove(env, lp);
             st = dual_refactor(env, lp);
             if (st != 0) return st;
             int n_inf = 0;
             dual_pinf(lp, ds->feas_tol, &n_inf);
-            if (n_inf == 0 && ds->phase == 2) {
-                ds->status = LPS_OPTIMAL;
-                int err = 0;
-                int again = confirm_optimum(env, lp, internal, &err);
-                if (err != 0) return err;
-                if (again == 1) continue;
-                if (again == 2) return hand_to_primal(env, lp);
-                break;
-            }
-            ds->status = LPS_INFEASIBLE;
-            break;
+            ds->status = n_inf == 0 && ds->phase == 2 ? LPS_OPTIMAL : LPS_INFEASIBLE;
+        }
+        if (ds->status == LPS_OPTIMAL) {
+            int err = 0;
+            int again = confirm_optimum(env, lp, internal, &err);
+            if (err != 0) return err;
+            if (again == 1) continue;
+            if (again == 2) return hand_to_primal(env, lp);
         }
         break;
     }
@@ -479,7 +361,7 @@ int dual_opt(TRVenv env, TRVlp lp, int it_so_far, int it1_so_far, double start_t
         dual_pinf(lp, ds->feas_tol, &n_inf);
         ds->status = ds->phase == 2 && n_inf == 0 ? LPS_NONOPT_FEAS : LPS_NONOPT_INFEAS;
     }
-    if (ds->log.display >= 1) dual_log(env, lp, 1);
+    if (ds->log.display >= 1) run_log(env, lp, ds, 1);
     lp->stat = ds->status;
     return 0;
 }

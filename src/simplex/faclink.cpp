@@ -6,7 +6,7 @@
 #include <cmath>
 #include <cstring>
 
-#include "simplex/lu.h"
+#include "simplex/core.h"
 
 static double raise_threshold(double u) {
     if (u < 0.1) return 0.1;

@@ -18,7 +18,7 @@
 #include <cmath>
 #include <cstring>
 
-#include "simplex/lu.h"
+#include "simplex/core.h"
 
 /* ---- allocation ------------------------------------------------------------ */
 

@@ -10,7 +10,7 @@
 #include <cmath>
 #include <cstring>
 
-#include "simplex/lu.h"
+#include "simplex/core.h"
 
 /* ---- sparse vectors ---------------------------------------------------------- */
 
@@ -39,6 +39,16 @@ void sv_clear(sparse_vec *v) {
         for (int k = 0; k < v->nz; k++) v->val[v->idx[k]] = 0.0;
     }
     v->nz = 0;
+}
+
+void sv_copy(sparse_vec *dst, const sparse_vec *src) {
+    sv_clear(dst);
+    for (int k = 0; k < src->nz; k++) {
+        int i = src->idx[k];
+        dst->val[i] = src->val[i];
+        dst->idx[k] = i;
+    }
+    dst->nz = src->nz;
 }
 
 void sv_from_dense(sparse_vec *v) {

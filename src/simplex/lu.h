@@ -24,7 +24,9 @@
 
 #include <cstdint>
 
-#include "simplex/splp.h"
+#include "store/lp.h"
+
+struct simplex_lp;
 
 #define LU_MAXFILE 262499999   /* a file never holds more entries */
 #define LU_MAXGROW 262499998   /* growth never passes this */
@@ -42,6 +44,8 @@ int sv_alloc(sparse_vec *v, int dim);
 void sv_free(sparse_vec *v);
 void sv_clear(sparse_vec *v);            /* zero the listed (or all) entries */
 void sv_from_dense(sparse_vec *v);       /* rebuild the list from val */
+/* dst cleared, then the listed entries of src (its list valid) */
+void sv_copy(sparse_vec *dst, const sparse_vec *src);
 
 struct lu_record {
     int valid;

@@ -1,12 +1,13 @@
 /*
- * perturb.cpp - the fight against degeneracy in the primal: a random
+ * perturb.cpp - the fight against degeneracy: the start and the end of a
+ * perturbation and the stepping rules of the working tolerances, which
+ * both drivers share, and the primal's own perturbation: a random
  * widening of the bounds of the basic variables, single bound shifts made
- * by the ratio test, their removal at the end of a run, and the stepping
- * rules of the working tolerances.
+ * by the ratio test, and their removal at the end of a run.
  */
 #include <cmath>
 
-#include "simplex/primal.h"
+#include "simplex/core.h"
 
 double tol_raise(double t) {
     if (t < 9.99999999e-05) return 1.1 * t;
@@ -31,26 +32,23 @@ double tol_reduce(double t) {
 
 /* Size rule: the first start takes the size as it stands, later ones a
  * tenth of it, never below 1e-6; the Harris relaxation stays well below. */
-void perturb_next_size(perturb_rec *pr, double *harris_delta, double *harris_base) {
+void perturb_next_size(simplex_run *r) {
+    perturb_rec *pr = &r->perturb;
     if (pr->count > 0) {
         pr->size *= 0.1;
         if (pr->size < 1e-6) pr->size = 1e-6;
     }
-    if (100.0 * *harris_delta >= pr->size) {
-        *harris_delta = 0.01 * pr->size;
-        *harris_base = 0.01 * pr->size;
+    if (100.0 * r->harris_delta >= pr->size) {
+        r->harris_delta = 0.01 * pr->size;
+        r->harris_base = 0.01 * pr->size;
     }
-}
-
-static void perturb_size(primal_state *ps) {
-    perturb_next_size(&ps->perturb, &ps->harris_delta, &ps->harris_base);
 }
 
 void primal_perturb(TRVenv env, TRVlp lp) {
     const simplex_lp *s = &lp->solver->splp;
     const simplex_iter *it = &lp->solver->it;
     primal_state *ps = lp->primal;
-    perturb_size(ps);
+    perturb_next_size(ps);
     double size = ps->perturb.size;
     bool rhs_moved = false;
     for (int i = 0; i < s->m; i++) {
@@ -67,7 +65,7 @@ void primal_perturb(TRVenv env, TRVlp lp) {
             rhs_moved = true;
         }
     }
-    perturb_begin(env, &ps->log, &ps->perturb);
+    perturb_begin(env, ps);
     if (rhs_moved) primal_compute_x(lp);
     primal_set_phase(lp);
     primal_compute_y(lp);
@@ -106,8 +104,9 @@ int extend_shifts(TRVlp lp) {
 }
 
 /* Announces a new start of the perturbation and marks it in force. */
-void perturb_begin(TRVenv env, const iter_log *lg, perturb_rec *pr) {
-    if (lg->display > 0)
+void perturb_begin(TRVenv env, simplex_run *r) {
+    perturb_rec *pr = &r->perturb;
+    if (r->log.display > 0)
         TRVmsg(env->reschannel, pr->count == 0 ? "Perturbation started.\n"
                                                : "Reperturbation started.\n");
     pr->active = 1;
@@ -118,16 +117,16 @@ void perturb_begin(TRVenv env, const iter_log *lg, perturb_rec *pr) {
 /* The common part of the removal of a perturbation or of shifts: returns
  * 0 when neither is in force, else announces it, lowers the Harris
  * tolerance after shifts alone, and clears the record. */
-int perturb_end(TRVenv env, const iter_log *lg, perturb_rec *pr, double *harris_base,
-                double *harris_delta) {
+int perturb_end(TRVenv env, simplex_run *r) {
+    perturb_rec *pr = &r->perturb;
     if (!pr->active && pr->shift_count == 0) return 0;
-    if (lg->display > 0) {
+    if (r->log.display > 0) {
         if (pr->active) TRVmsg(env->reschannel, "Removing perturbation.\n");
         else TRVmsg(env->reschannel, "Removing shift (%d).\n", pr->shift_count);
     }
     if (!pr->active) {
-        *harris_base = tol_reduce(*harris_base);
-        *harris_delta = *harris_base;
+        r->harris_base = tol_reduce(r->harris_base);
+        r->harris_delta = r->harris_base;
     }
     pr->active = 0;
     pr->shift_limit = PR_NOLIMIT;
@@ -141,8 +140,7 @@ int primal_remove(TRVenv env, TRVlp lp) {
     const simplex_lp *s = &lp->solver->splp;
     simplex_iter *it = &lp->solver->it;
     primal_state *ps = lp->primal;
-    perturb_rec *pr = &ps->perturb;
-    if (!perturb_end(env, &ps->log, pr, &ps->harris_base, &ps->harris_delta)) return 0;
+    if (!perturb_end(env, ps)) return 0;
     for (int j = 0; j < s->ncoltot; j++) {
         ps->lower[j] = s->lower[j];
         ps->upper[j] = s->upper[j];

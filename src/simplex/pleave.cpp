@@ -5,12 +5,7 @@
  */
 #include <cmath>
 
-#include "simplex/primal.h"
-
-static int refactor_retry(TRVenv env, TRVlp lp) {
-    int st = primal_refactor(env, lp);
-    return st != 0 ? st : RC_RETRY;
-}
+#include "simplex/core.h"
 
 static void clear_bans(TRVlp lp) {
     simplex_iter *it = &lp->solver->it;
@@ -36,7 +31,7 @@ static double phase_tol(const primal_state *ps) {
 /* The entering variable, or -1 with a status set (1 optimal, 2 infeasible)
  * when no candidate remains after the clean-up; 2003 asks the caller to
  * price again, other values are errors. */
-static int price_with_ladder(TRVenv env, TRVlp lp, int *q_out) {
+int primal_price_ladder(TRVenv env, TRVlp lp, int *q_out) {
     primal_state *ps = lp->primal;
     *q_out = -1;
     if (ps->phase == 1 && ps->n_inf == 0) {
@@ -177,19 +172,8 @@ static int basis_change(TRVenv env, TRVlp lp, int q, int dir, int forced) {
     double alpha_p = ps->alpha.val[p];
     int st = primal_pivot_row(lp, p);
     if (st != 0) return st;
-    /* the row and the column must agree on the pivot */
-    double check = ps->prow[q];
-    if (std::fabs(check - alpha_p) > 1e-7 * (1.0 + std::fabs(alpha_p))) {
-        if (ps->updates > 0) return refactor_retry(env, lp);
-        if (std::fabs(check - alpha_p) > 1e-3 * (1.0 + std::fabs(alpha_p)) && !forced)
-            return RC_RETRY;
-    }
-    it->leave_pos = p;
-    it->enter_var = q;
-    it->alpha = alpha_p;
-    int ck = 0;
-    lu_update_check(lp, alpha_p, 1, &ck);
-    if (ck == RC_RETRY && !forced) return RC_RETRY;
+    st = run_pivot_check(env, lp, ps, p, q, alpha_p, 0.0, forced);
+    if (st != 0) return st;
     int r = it->head[p];
     double theta = rw->step * dir;
     double dq = it->d[q];
@@ -309,7 +293,7 @@ int primal_pivot(TRVenv env, TRVlp lp, int q) {
         if (!lp->factor->valid) break;
     }
     if (ps->updates > 1 || (ps->updates == 1 && env_randomd(env) >= 0.5))
-        return refactor_retry(env, lp);
+        return run_refactor_retry(env, lp, ps);
     if (best < 0) return RC_RETRY;
     it->ban[best] = 0;
     ps->n_banned--;
@@ -317,20 +301,6 @@ int primal_pivot(TRVenv env, TRVlp lp, int q) {
     if (primal_attract(it, best, it->d[best]) >= -phase_tol(ps)) return RC_RETRY;
     int r = primal_try(env, lp, best, 1, 0);
     return r;
-}
-
-/* One iteration: price and pivot until something other than a retry. */
-int primal_iterate(TRVenv env, TRVlp lp) {
-    primal_state *ps = lp->primal;
-    for (int round = 0; round < 20; round++) {
-        int q = -1;
-        int st = price_with_ladder(env, lp, &q);
-        if (st == RC_RETRY) continue;
-        if (st != 0 || ps->status != 0 || q < 0) return st;
-        st = primal_pivot(env, lp, q);
-        if (st != RC_RETRY) return st;
-    }
-    return 0;
 }
 
 /* The superbasic pass: each nonbasic variable between its bounds (a free

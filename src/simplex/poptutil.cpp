@@ -1,32 +1,17 @@
 /*
- * poptutil.cpp - the run state of the primal simplex and its recomputations:
- * basic values, duals, reduced costs, the composite data of phase 1, the
- * phase test, the pivot row, and the iteration log.
+ * poptutil.cpp - the primal's part of the run record and its
+ * recomputations: duals, reduced costs, the composite data of phase 1,
+ * the phase test, the refactorization and the pivot row.
  */
 #include <cmath>
 #include <cstring>
 
-#include "simplex/primal.h"
+#include "simplex/core.h"
 
 static void state_release(primal_state *ps) {
-    trv_free(&ps->lower);
-    trv_free(&ps->upper);
-    trv_free(&ps->cost);
-    trv_free(&ps->rhs);
+    run_release(ps);
     trv_free(&ps->c1);
-    trv_free(&ps->work);
-    trv_free(&ps->work2);
-    sv_free(&ps->col);
-    sv_free(&ps->alpha);
-    sv_free(&ps->rho);
-    sv_free(&ps->tau);
-    trv_free(&ps->prow);
-    trv_free(&ps->prow_idx);
     trv_free(&ps->pmark);
-    trv_free(&ps->ar_beg);
-    trv_free(&ps->ar_idx);
-    trv_free(&ps->ar_val);
-    trv_free(&ps->attempted);
     trv_free(&ps->rw.cand_idx);
     trv_free(&ps->rw.cand_ratio);
     trv_free(&ps->rw.cand_alpha);
@@ -43,18 +28,11 @@ void primal_free(TRVlp lp) {
     trv_free(&lp->primal);
 }
 
-/* Row-wise copy of the columns 0..ntotal-1 (artificials never enter). */
+/* Row-wise copy of the columns 0..ntotal-1 (artificials never enter), in
+ * column order along each row. */
 static int build_rowwise(const simplex_lp *s, primal_state *ps) {
     int m = s->m, nt = s->ntotal;
-    long nz = 0;
-    for (int j = 0; j < nt; j++) nz += s->col_len[j];
-    ps->ar_beg = trv_zalloc<int>(m + 1);
-    ps->ar_idx = trv_alloc<int>(nz);
-    ps->ar_val = trv_alloc<double>(nz);
-    if (!ps->ar_beg || !ps->ar_idx || !ps->ar_val) return 1001;
-    for (int j = 0; j < nt; j++)
-        for (int k = s->col_beg[j]; k < s->col_end[j]; k++) ps->ar_beg[s->row_idx[k] + 1]++;
-    for (int i = 0; i < m; i++) ps->ar_beg[i + 1] += ps->ar_beg[i];
+    if (run_rowwise(s, ps) != 0) return 1001;
     int *fill = trv_alloc<int>(m);
     if (fill == nullptr) return 1001;
     std::memcpy(fill, ps->ar_beg, sizeof(int) * (m > 0 ? m : 1));
@@ -71,23 +49,13 @@ static int build_rowwise(const simplex_lp *s, primal_state *ps) {
 
 int primal_state_alloc(TRVenv env, TRVlp lp) {
     primal_free(lp);
-    primal_state *ps = trv_zalloc<primal_state>(1);
+    primal_state *ps = run_new(&lp->primal, &primal_ops);
     if (ps == nullptr) return 1001;
-    lp->primal = ps;
     const simplex_lp *s = &lp->solver->splp;
-    simplex_iter *it = &lp->solver->it;
     int m = s->m, nc = s->ncoltot;
-    ps->lower = trv_alloc<double>(nc);
-    ps->upper = trv_alloc<double>(nc);
-    ps->cost = trv_alloc<double>(nc);
-    ps->rhs = trv_zalloc<double>(m);
+    if (run_alloc(lp, ps) != 0) return 1001;
     ps->c1 = trv_zalloc<double>(m);
-    ps->work = trv_zalloc<double>(m);
-    ps->work2 = trv_zalloc<double>(m);
-    ps->prow = trv_zalloc<double>(nc);
-    ps->prow_idx = trv_alloc<int>(nc);
     ps->pmark = trv_zalloc<char>(nc);
-    ps->attempted = trv_alloc<int>(64);
     ratio_work *rw = &ps->rw;
     rw->cand_idx = trv_alloc<int>(2 * m);
     rw->cand_ratio = trv_alloc<double>(2 * m);
@@ -96,92 +64,23 @@ int primal_state_alloc(TRVenv env, TRVlp lp) {
     rw->cand_to = trv_alloc<signed char>(2 * m);
     rw->cand_state = trv_alloc<signed char>(2 * m);
     rw->cand_order = trv_alloc<int>(2 * m);
-    if (it->d == nullptr) it->d = trv_zalloc<double>(nc);
-    if (it->y == nullptr) it->y = trv_zalloc<double>(m);
-    if (!ps->lower || !ps->upper || !ps->cost || !ps->rhs || !ps->c1 ||
-        !ps->work || !ps->work2 || !ps->prow || !ps->prow_idx || !ps->pmark ||
-        !ps->attempted || !rw->cand_idx || !rw->cand_ratio || !rw->cand_alpha ||
-        !rw->cand_red || !rw->cand_to || !rw->cand_state || !rw->cand_order || !it->d || !it->y)
-        return 1001;
-    if (sv_alloc(&ps->col, m) || sv_alloc(&ps->alpha, m) || sv_alloc(&ps->rho, m) ||
-        sv_alloc(&ps->tau, m))
+    if (!ps->c1 || !ps->pmark || !rw->cand_idx || !rw->cand_ratio || !rw->cand_alpha ||
+        !rw->cand_red || !rw->cand_to || !rw->cand_state || !rw->cand_order)
         return 1001;
     if (build_rowwise(s, ps)) return 1001;
     for (int j = 0; j < nc; j++) {
         ps->lower[j] = s->lower[j];
         ps->upper[j] = s->upper[j];
-        ps->cost[j] = s->sense * s->cost[j];
     }
-    const lp_data *d = lp->lpdata;
-    for (int i = 0; i < m; i++) ps->rhs[i] = d->rhs[i];
     (void)env;
     return 0;
 }
 
 /* ---- recomputation ----------------------------------------------------- */
 
-/* Basic values by a dense solve of rhs less the nonbasic columns at their
- * values; w is m of scratch, zero again on return. */
-void basic_values(TRVlp lp, const double *rhs, double *w) {
-    const simplex_lp *s = &lp->solver->splp;
-    simplex_iter *it = &lp->solver->it;
-    int m = s->m, nc = s->ncoltot;
-    for (int i = 0; i < m; i++) w[i] = rhs[i];
-    for (int j = 0; j < nc; j++) {
-        if (it->status[j] == 1) continue;
-        double v = it->x[j];
-        if (v == 0.0) continue;
-        for (int k = s->col_beg[j]; k < s->col_end[j]; k++) w[s->row_idx[k]] -= s->val[k] * v;
-    }
-    lu_ftran_dense(lp->factor, w);
-    for (int i = 0; i < m; i++) {
-        it->x[it->head[i]] = w[i];
-        w[i] = 0.0;
-    }
-}
-
-/* sense * c x over the columns 0..ntotal-1 for the working costs. */
-double working_objective(TRVlp lp, const double *cost) {
-    const simplex_lp *s = &lp->solver->splp;
-    const simplex_iter *it = &lp->solver->it;
-    double z = 0.0;
-    for (int j = 0; j < s->ntotal; j++) z += cost[j] * it->x[j];
-    return z;
-}
-
-/* Nonbasic values from their status, basic values by a dense solve. */
-void primal_compute_x(TRVlp lp) {
-    simplex_iter *it = &lp->solver->it;
-    primal_state *ps = lp->primal;
-    for (int j = 0; j < lp->solver->splp.ncoltot; j++) {
-        int st = it->status[j];
-        if (st == 0) it->x[j] = ps->lower[j];
-        else if (st == 2) it->x[j] = ps->upper[j];
-    }
-    basic_values(lp, ps->rhs, ps->work);
-}
-
-/* The duals from the basic costs in w by a dense solve with work2 as
- * scratch; both are zero again on return. */
-void duals_from_costs(TRVlp lp, double *w, double *work2) {
-    simplex_iter *it = &lp->solver->it;
-    int m = lp->solver->splp.m;
-    lu_btran_dense(lp->factor, w, work2);
-    for (int i = 0; i < m; i++) {
-        it->y[i] = w[i];
-        w[i] = 0.0;
-        work2[i] = 0.0;
-    }
-}
-
-/* The reduced costs of all nonbasic variables from the current duals, 0
- * for the basic ones; no cost array means zero costs. */
-void reduced_costs(TRVlp lp, const double *cost) {
-    const simplex_lp *s = &lp->solver->splp;
-    simplex_iter *it = &lp->solver->it;
-    for (int j = 0; j < s->ncoltot; j++)
-        it->d[j] = it->status[j] == 1 ? 0.0 : column_dj(s, it->y, cost ? cost[j] : 0.0, j);
-}
+/* Nonbasic values from their status (a superbasic keeps its value),
+ * basic values by a dense solve. */
+void primal_compute_x(TRVlp lp) { run_compute_x(lp, lp->primal); }
 
 void primal_compute_y(TRVlp lp) {
     const simplex_iter *it = &lp->solver->it;
@@ -201,7 +100,6 @@ double primal_dj(TRVlp lp, int j) {
 void primal_compute_d(TRVlp lp) {
     primal_state *ps = lp->primal;
     reduced_costs(lp, ps->phase == 1 ? nullptr : ps->cost);
-    ps->d_valid = 1;
 }
 
 /* Phase 1 costs of the basic variables: -1 below the lower bound, +1 above
@@ -263,19 +161,13 @@ double primal_max_infeas(TRVlp lp, double tol) {
 /* The refactorization with repair allowed; on success the values, the
  * phase and the duals are recomputed. */
 int primal_refactor(TRVenv env, TRVlp lp) {
-    simplex_iter *it = &lp->solver->it;
     primal_state *ps = lp->primal;
-    int st = lu_refactor(env, lp, &it->markowitz, it->pivot_tol, 1, 0);
+    int st = run_refactor(env, lp, ps);
     if (st != 0 && st != RC_REPAIRED) return st;
-    ps->updates = 0;
-    ps->log.refactored = 1;
-    ps->n_banned = 0;
-    for (int j = 0; j < lp->solver->splp.ncoltot; j++)
-        if (it->ban[j] == 33) it->ban[j] = 0;
     primal_compute_x(lp);
     if (st == RC_REPAIRED) {
         if (primal_set_phase(lp)) primal_price_reset(lp);
-        progress_reset(lp);
+        progress_reset(lp, ps);
     } else {
         primal_composite(lp);
         if (ps->phase == 2 && ps->n_inf > 0) {
@@ -349,137 +241,4 @@ int primal_pivot_row(TRVlp lp, int p) {
         }
     }
     return 0;
-}
-
-/* Column q of the matrix into col, its solve into alpha. */
-void column_solve(TRVlp lp, int q, sparse_vec *col, sparse_vec *alpha) {
-    const simplex_lp *s = &lp->solver->splp;
-    sv_clear(col);
-    col->nz = 0;
-    for (int k = s->col_beg[q]; k < s->col_end[q]; k++) {
-        col->val[s->row_idx[k]] = s->val[k];
-        col->idx[col->nz++] = s->row_idx[k];
-    }
-    sv_clear(alpha);
-    lu_ftran(lp->factor, alpha, col);
-    if (alpha->nz < 0) sv_from_dense(alpha);
-}
-
-int release_fixed(TRVenv env, TRVlp lp, double tol, double (*dj)(TRVlp lp, int j),
-                  int *released) {
-    const simplex_lp *s = &lp->solver->splp;
-    simplex_iter *it = &lp->solver->it;
-    bool scaled = lp->lpdata->colscale != nullptr;
-    int n = 0, v = 0;
-    for (int p = 0; p < s->m; p++)
-        if (it->pos_ban[p] == 32) it->pos_ban[p] = 0;
-    for (int j = 0; j < s->ncoltot; j++) {
-        if (it->ban[j] != 32) continue;
-        it->ban[j] = 0;
-        n++;
-        int st = it->status[j];
-        if (st == 1) continue;
-        double d = dj(lp, j);
-        double bad = st == 0 ? -d : st == 2 ? d : std::fabs(d);
-        if (!(bad > tol)) continue;
-        v++;
-        TRVmsg(env->errchannel,
-               scaled ? "Scaled reduced cost of dropped variable '%.255s' = %g\n"
-                      : "Reduced cost of dropped variable '%.255s' = %g\n",
-               simplex_varname(env, lp, j), d);
-    }
-    *released = n;
-    return v;
-}
-
-/* ---- the iteration log ---------------------------------------------------- */
-
-const char *primal_varlabel(TRVenv env, TRVlp lp, int j, char *buf, size_t sz) {
-    const simplex_lp *s = &lp->solver->splp;
-    const lp_data *d = lp->lpdata;
-    if (j < s->n) {
-        std::snprintf(buf, sz, "%s", env_varname(env, d->colname, d->ncols, j));
-        return buf;
-    }
-    const char *kind = j < s->nstruct ? " range" : j < s->ntotal ? " slack" : " artif";
-    int i = s->row_of_var[j];
-    std::snprintf(buf, sz, "%s%s", env_conname(env, d->rowname, d->nrows, i), kind);
-    return buf;
-}
-
-static void log_header(TRVenv env, iter_log *lg) {
-    if (lg->header_done) return;
-    TRVmsg(env->reschannel, "\nIteration log . . .\n");
-    lg->header_done = 1;
-}
-
-/* The summary line; at display level 1 only after a factorization or a
- * change of phase unless forced. */
-void iter_log_line(TRVenv env, iter_log *lg, int phase, int n_it, double infeas,
-                   double objective, int force) {
-    if (lg->display < 1) return;
-    if (!force && !lg->refactored && phase == lg->last_phase_logged) return;
-    log_header(env, lg);
-    if (phase == 1)
-        TRVmsg(env->reschannel, lg->scaled ? "Iteration: %5d    Scaled infeas = %20.6f\n"
-                                           : "Iteration: %5d    Infeasibility = %20.6f\n",
-               n_it, infeas);
-    else
-        TRVmsg(env->reschannel, "Iteration: %5d    Objective     = %20.6f\n", n_it, objective);
-    lg->refactored = 0;
-    lg->last_phase_logged = phase;
-}
-
-void iter_log_detail(TRVenv env, TRVlp lp, iter_log *lg, int phase, int perturbed, int n_it,
-                     double infeas, double objective) {
-    log_header(env, lg);
-    if (!lg->detail_head_done) {
-        TRVmsg(env->reschannel, "       In Variable           Out Variable\n");
-        lg->detail_head_done = 1;
-    }
-    char tag[32], val[40], in[300], out[300];
-    if (phase == 1)
-        std::snprintf(tag, sizeof tag, perturbed ? "%6d sI" : "%6d  I", n_it);
-    else
-        std::snprintf(tag, sizeof tag, "%6d   ", n_it);
-    double z = phase == 1 ? infeas : objective;
-    std::snprintf(val, sizeof val, std::fabs(z) > 1e11 ? "%20.6e" : "%20.6f", z);
-    if (lg->entered >= 0)
-        primal_varlabel(env, lp, lg->entered, in, sizeof in);
-    else
-        in[0] = '\0';
-    if (lg->left >= 0)
-        primal_varlabel(env, lp, lg->left, out, sizeof out);
-    else if (lg->left_status == 2)
-        std::snprintf(out, sizeof out, "    goes to upper bound");
-    else if (lg->left_status == 0)
-        std::snprintf(out, sizeof out, "    goes to lower bound");
-    else
-        std::snprintf(out, sizeof out, "      leaves superbasis");
-    TRVmsg(env->reschannel, "%s%s  %-20s  %s\n", tag, val, in, out);
-}
-
-/* The elapsed time, every 1000 iterations and at most every 10 seconds. */
-void iter_log_elapsed(TRVenv env, iter_log *lg, int n_it, double start_time) {
-    if (lg->display == 0 || n_it == 0 || n_it % 1000 != 0) return;
-    if (n_it - lg->last_elapsed_it < 1000) return;
-    double now = env_time(env);
-    if (now - lg->last_elapsed_print < 10.0) return;
-    TRVmsg(env->reschannel, "Elapsed time = %7.2f sec. (%d iterations)\n", now - start_time,
-           n_it);
-    channel_flush(env->reschannel);
-    lg->last_elapsed_print = now;
-    lg->last_elapsed_it = n_it;
-}
-
-void primal_log(TRVenv env, TRVlp lp, int force) {
-    primal_state *ps = lp->primal;
-    iter_log_line(env, &ps->log, ps->phase, lp->solver->it.n_it, ps->sum_inf,
-                  lp->solver->splp.sense * ps->objective, force);
-}
-
-void primal_log_detail(TRVenv env, TRVlp lp) {
-    primal_state *ps = lp->primal;
-    iter_log_detail(env, lp, &ps->log, ps->phase, ps->perturb.active, lp->solver->it.n_it,
-                    ps->sum_inf, lp->solver->splp.sense * ps->objective);
 }

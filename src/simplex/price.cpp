@@ -9,7 +9,7 @@
 #include <cmath>
 #include <cstring>
 
-#include "simplex/dual.h"
+#include "simplex/core.h"
 
 /* Attractiveness: negative when moving the variable improves. */
 double primal_attract(const simplex_iter *it, int j, double d) {
@@ -343,13 +343,7 @@ static void steep_pivot(TRVlp lp, int p, int r, int q, double alpha_p) {
     if (w[q] > 2.0 * nrm || nrm > 2.0 * w[q]) ps->steep_miss++;
     /* tau = B^-T alpha */
     sparse_vec *t = &ps->tau;
-    sv_clear(t);
-    for (int k = 0; k < a->nz; k++) {
-        int i = a->idx[k];
-        t->val[i] = a->val[i];
-        t->idx[k] = i;
-    }
-    t->nz = a->nz;
+    sv_copy(t, a);
     lu_btran(lp->factor, t, t);
     if (t->nz < 0) sv_from_dense(t);
     for (int k = 0; k < ps->prow_nz; k++) {

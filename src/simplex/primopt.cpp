@@ -8,48 +8,19 @@
  */
 #include <cmath>
 
-#include "formats/bas.h"
-#include "frame/callback.h"
-#include "simplex/dual.h"
+#include "simplex/core.h"
 
-/* How many candidates a pivot round may try, by the size of the model. */
-int candidates_for(int size) {
-    static const int lim[] = {100, 500, 1000, 5000, 10000, 100000};
-    static const int val[] = {5, 10, 15, 20, 25, 30};
-    for (int k = 0; k < 6; k++)
-        if (size < lim[k]) return val[k];
-    return 35;
-}
-
+/* The primal's own parameters beside those both drivers read. */
 static void load_run_parameters(TRVenv env, TRVlp lp) {
     const simplex_lp *s = &lp->solver->splp;
     primal_state *ps = lp->primal;
-    ps->feas_tol = par_dbl(env, 1016);
-    ps->opt_tol = par_dbl(env, 1014);
-    ps->p1_tol = 1e-7;
     double h = par_dbl(env, 1050);
     ps->harris_delta = h < ps->feas_tol ? h : ps->feas_tol;
     ps->harris_base = ps->harris_delta;
-    ps->infeas_limit = s->m * ps->feas_tol;
-    ps->log.display = par_int(env, 1019);
-    ps->it_limit = par_int(env, 1020);
-    ps->time_limit = par_dbl(env, 1039);
-    ps->obj_limit = s->sense > 0 ? par_dbl(env, 1025) : -par_dbl(env, 1026);
     ps->candidates_max = candidates_for(s->m);
-    ps->perturb.size = par_dbl(env, 1015);
-    ps->perturb.shift_limit = PR_NOLIMIT;
     ps->shift_on = 1;
     ps->rw.no_length = par_int(env, 1068);
     ps->ban_epoch = PR_NOLIMIT;
-    ps->log.last_phase_logged = 0;
-    ps->log.entered = ps->log.left = -1;
-    ps->fast = par_int(env, 1017) > 0;
-    ps->log.scaled = lp->lpdata->colscale != nullptr;
-}
-
-/* The user's progress function; nonzero asks for a stop. */
-static int call_back(TRVenv env, TRVlp lp) {
-    return cb_call(env, PAR_LP, lp->handle, TRV_CALLBACK_PRIMAL);
 }
 
 /* Sum of the dual infeasibilities of the nonbasic variables. */
@@ -89,27 +60,13 @@ static int primal_cbinfo(TRVlp lp, int wherefrom, int whichinfo, void *result) {
     }
 }
 
-/* Objective limit of phase 2: status 4 once the objective, recomputed on a
- * fresh factorization, passes it. */
-static int objective_limit(TRVenv env, TRVlp lp) {
-    primal_state *ps = lp->primal;
-    if (ps->phase != 2 || ps->obj_limit <= -PR_BIG) return 0;
-    if (ps->objective >= ps->obj_limit) return 0;
-    if (ps->fast) {
-        ps->status = LPS_OBJLIM;
-        return 0;
-    }
-    if (ps->updates > 0) {
-        int st = primal_refactor(env, lp);
-        if (st != 0) return st;
-    }
-    ps->objective = primal_objective(lp);
-    if (ps->phase == 2 && ps->objective < ps->obj_limit) ps->status = LPS_OBJLIM;
-    return 0;
-}
-
-static void elapsed_print(TRVenv env, TRVlp lp) {
-    iter_log_elapsed(env, &lp->primal->log, lp->solver->it.n_it, lp->primal->start_time);
+/* The stall interval of a primal run on a model of m rows. */
+static int primal_stall_interval(int m) {
+    static const int lim[] = {1000, 5000, 7500, 10000, 15000, 20000, 30000, 40000};
+    static const int val[] = {400, 500, 600, 700, 900, 1100, 1600, 2100};
+    for (int k = 0; k < 8; k++)
+        if (m < lim[k]) return val[k];
+    return 2600;
 }
 
 /* The automatic switch from partial pricing to devex, weighing the work of
@@ -143,52 +100,6 @@ static int devex_switch(TRVenv env, TRVlp lp) {
     return 0;
 }
 
-/* The main loop until a decision, a limit or an error. */
-static int main_loop(TRVenv env, TRVlp lp) {
-    simplex_iter *it = &lp->solver->it;
-    primal_state *ps = lp->primal;
-    progress_reset(lp);
-    while (true) {
-        if (it->n_it >= ps->it_limit || ps->abort) break;
-        if (call_back(env, lp) != 0) {
-            ps->abort = 1;
-            break;
-        }
-        if (it->n_it > 0 && it->n_it % 25 == 0 && ps->time_limit < PR_BIG &&
-            env_time(env) - ps->start_time >= ps->time_limit) {
-            ps->abort = 2;
-            break;
-        }
-        int phase_before = ps->phase;
-        int st = devex_switch(env, lp);
-        if (st != 0) return st;
-        st = primal_iterate(env, lp);
-        if (st != 0) return st;
-        if (ps->status != 0) break;
-        st = objective_limit(env, lp);
-        if (st != 0) return st;
-        if (ps->status != 0) break;
-        start_periodic(env, lp, it->n_it);
-        elapsed_print(env, lp);
-        st = progress_check(env, lp);
-        if (st != 0) return st;
-        it->n_it++;
-        if (phase_before == 1) ps->n_it_phase1++;
-        if (ps->status != 0) break;
-        if (ps->log.display >= 2) primal_log_detail(env, lp);
-        else if (ps->log.display == 1) primal_log(env, lp, 0);
-    }
-    return 0;
-}
-
-/* Status of a run that stopped on a limit or an abort. */
-static int limit_status(const primal_state *ps) {
-    bool feas = ps->phase == 2;
-    if (ps->abort == 1) return feas ? LPS_ABORT_FEAS : LPS_ABORT_INFEAS;
-    if (ps->abort == 2) return feas ? LPS_TIME_FEAS : LPS_TIME_INFEAS;
-    return feas ? LPS_IT_FEAS : LPS_IT_INFEAS;
-}
-
 /* Tolerance reset after an apparent optimum reached with loosened working
  * tolerances; returns 1 when the main loop must run again. */
 static int tolerance_reset(TRVenv env, TRVlp lp, int *events) {
@@ -206,74 +117,64 @@ static int tolerance_reset(TRVenv env, TRVlp lp, int *events) {
     return 1;
 }
 
-/* A scaled optimum whose basic values break a bound of the caller's model
- * by more than the tolerance. */
-static bool unscaled_infeasible(TRVlp lp) {
-    const lp_data *d = lp->lpdata;
-    if (d->colscale == nullptr) return false;
-    const simplex_lp *s = &lp->solver->splp;
+/* The dual infeasibility of nonbasic j, in the working units: the
+ * attractiveness of a variable that is neither basic, banned nor fixed. */
+static double dual_violation(TRVlp lp, int j) {
     const simplex_iter *it = &lp->solver->it;
     const primal_state *ps = lp->primal;
-    for (int i = 0; i < s->m; i++) {
-        int j = it->head[i];
-        double x = it->x[j], v = 0.0;
-        if (s->has_lower[j] && x < s->lower[j]) v = s->lower[j] - x;
-        if (s->has_upper[j] && x > s->upper[j]) v = x - s->upper[j];
-        if (v == 0.0) continue;
-        v = j < s->nstruct ? v / d->colscale[j] : v * d->rowscale[s->row_of_var[j]];
-        if (v > ps->feas_tol) return true;
-    }
-    return false;
-}
-
-/* Largest dual infeasibility of the nonbasic variables in the caller's
- * units; 0 for an unscaled model. */
-static double unscaled_dual_infeas(TRVlp lp) {
-    const lp_data *d = lp->lpdata;
-    if (d->colscale == nullptr) return 0.0;
-    const simplex_lp *s = &lp->solver->splp;
-    const simplex_iter *it = &lp->solver->it;
-    const primal_state *ps = lp->primal;
-    double worst = 0.0;
-    for (int j = 0; j < s->ntotal; j++) {
-        if (it->status[j] == 1 || it->ban[j] != 0) continue;
-        if (it->status[j] != 3 && ps->upper[j] <= ps->lower[j]) continue;
-        double a = -primal_attract(it, j, it->d[j]);
-        if (a <= 0.0) continue;
-        a *= j < s->nstruct ? d->colscale[j] : 1.0 / d->rowscale[s->row_of_var[j]];
-        if (a > worst) worst = a;
-    }
-    return worst;
+    if (it->status[j] == VS_BASIC || it->ban[j] != BAN_NONE) return 0.0;
+    if (it->status[j] != VS_SUPER && ps->upper[j] <= ps->lower[j]) return 0.0;
+    double a = -primal_attract(it, j, it->d[j]);
+    return a > 0.0 ? a : 0.0;
 }
 
 /* The variables a repair fixed are let go at a decision (optimal or
  * infeasible): the decision stands when none of them can improve it;
  * otherwise the run goes on with them, a few rounds at most. Returns 1
  * when the main loop must run again. */
+static void repriced(TRVlp lp) {
+    primal_price_reset(lp);
+    if (lp->primal->d_kept) primal_compute_d(lp);
+}
+
 static int release_dropped(TRVenv env, TRVlp lp) {
     primal_state *ps = lp->primal;
-    int released = 0;
     /* judged at the caller's tolerance: the run may have tightened its
      * own for a closer look */
     double tol = ps->phase == 1 ? std::fmax(ps->p1_tol, 1e-7) : std::fmax(ps->opt_tol, par_dbl(env, 1014));
-    int v = release_fixed(env, lp, tol, primal_dj, &released);
-    if (released == 0) return 0;
-    primal_price_reset(lp);
-    if (ps->d_kept) primal_compute_d(lp);
-    if (v == 0) {
-        TRVmsg(env->errchannel, "Dropped variables satisfy optimality criteria.\n");
-        return 0;
-    }
-    if (lp->solver->it.reincluded < RELEASE_ROUNDS) {
-        lp->solver->it.reincluded++;
-        TRVmsg(env->errchannel, "Attempting to reinclude dropped variables.\n");
-        ps->status = 0;
-        return 1;
-    }
-    TRVmsg(env->errchannel, "There are %d violations to optimality.\n", v);
-    ps->status = ps->phase == 2 ? LPS_NONOPT_FEAS : LPS_NONOPT_INFEAS;
-    return 0;
+    int r = run_release_dropped(env, lp, tol, primal_dj, repriced);
+    if (r == 1) ps->status = 0;
+    if (r == 2) ps->status = ps->phase == 2 ? LPS_NONOPT_FEAS : LPS_NONOPT_INFEAS;
+    return r == 1;
 }
+
+/* ---- the primal's choices in the shared parts of a run ------------------------ */
+
+static double infeasibility(TRVlp lp) { return lp->primal->sum_inf; }
+
+/* The primal's objective falls: the watch follows its negative. */
+static double progress_value(TRVlp lp) {
+    const primal_state *ps = lp->primal;
+    return -(ps->phase == 1 ? ps->sum_inf : ps->objective);
+}
+
+/* A stall under a perturbation in phase 2: the basic variables outside
+ * their working bounds have the bounds shifted to them. */
+static int stall_remedy(TRVlp lp) {
+    primal_state *ps = lp->primal;
+    if (ps->phase != 2 || extend_shifts(lp) == 0) return 0;
+    primal_set_phase(lp);
+    primal_compute_y(lp);
+    if (ps->d_kept) primal_compute_d(lp);
+    return 1;
+}
+
+static bool feasible(TRVlp lp) { return lp->primal->phase == 2; }
+
+const run_ops primal_ops = {
+    TRV_CALLBACK_PRIMAL, -1, 0, devex_switch, primal_price_ladder, primal_pivot, primal_refactor,
+    primal_objective, infeasibility, progress_value, primal_perturb, stall_remedy, feasible,
+};
 
 int primal_opt(TRVenv env, TRVlp lp, int it_so_far, int it1_so_far,
                double start_time, int pricing_mode, int internal) {
@@ -281,20 +182,16 @@ int primal_opt(TRVenv env, TRVlp lp, int it_so_far, int it1_so_far,
     int st = primal_state_alloc(env, lp);
     if (st != 0) return st;
     primal_state *ps = lp->primal;
-    simplex_iter *it = &lp->solver->it;
+    run_parameters(env, lp, ps, start_time, it_so_far, it1_so_far);
     load_run_parameters(env, lp);
     lp->solver->cbinfo = primal_cbinfo;
-    ps->start_time = start_time;
-    ps->log.last_elapsed_print = start_time;
-    it->n_it = it_so_far;
-    ps->n_it_phase1 = it1_so_far;
     st = lu_alloc(env, lp);
     if (st != 0) return st;
     st = start_basis(env, lp);
     if (st != 0) return st;
     st = primal_price_init(env, lp, pricing_mode);
     if (st != 0) return st;
-    progress_init(env, ps, lp->solver->splp.m);
+    progress_init(env, ps, primal_stall_interval(lp->solver->splp.m), lp->solver->splp.m);
     ps->phase = 0;
     st = primal_refactor(env, lp);
     if (st != 0) return st;
@@ -304,10 +201,10 @@ int primal_opt(TRVenv env, TRVlp lp, int it_so_far, int it1_so_far,
     ps->objective = primal_objective(lp);
     if (pricing_mode == 2 || pricing_mode == 3) primal_norms_init(env, lp, pricing_mode);
     if (par_int(env, 1027)) primal_perturb(env, lp);
-    if (ps->log.display == 1) primal_log(env, lp, 1);
+    if (ps->log.display == 1) run_log(env, lp, ps, 1);
     int rounds = 0, tol_events = 0;
     while (true) {
-        st = main_loop(env, lp);
+        st = run_main_loop(env, lp, ps);
         if (st != 0) return st;
         if (ps->status == 0 || ps->status == LPS_NONOPT_FEAS || ps->status == LPS_NONOPT_INFEAS) {
             /* a limit, an abort or a stall given up: the values on the
@@ -315,7 +212,7 @@ int primal_opt(TRVenv env, TRVlp lp, int it_so_far, int it1_so_far,
             if (ps->perturb.active || ps->perturb.shift_count > 0) {
                 if (ps->phase == 2) primal_remove(env, lp);
             }
-            if (ps->status == 0) ps->status = limit_status(ps);
+            if (ps->status == 0) ps->status = run_limit_status(lp, ps);
             else if (ps->phase == 1) ps->status = LPS_NONOPT_INFEAS;
             break;
         }
@@ -356,7 +253,7 @@ int primal_opt(TRVenv env, TRVlp lp, int it_so_far, int it1_so_far,
             if (ps->status == LPS_OPTIMAL) {
                 /* a scaled optimum must also be one in the caller's units */
                 if (!ps->d_kept) primal_compute_d(lp);
-                double w = unscaled_dual_infeas(lp);
+                double w = run_unscaled_dinf(lp, dual_violation);
                 if (w > par_dbl(env, 1014) && ps->opt_tol > 1e-12) {
                     ps->opt_tol = std::fmax(ps->opt_tol * par_dbl(env, 1014) / w, 1e-12);
                     ps->status = 0;
@@ -386,7 +283,8 @@ int primal_opt(TRVenv env, TRVlp lp, int it_so_far, int it1_so_far,
         if (tolerance_reset(env, lp, &tol_events)) continue;
         break;
     }
-    if (ps->status == LPS_OPTIMAL && unscaled_infeasible(lp)) ps->status = LPS_OPT_UNSCALED;
+    if (ps->status == LPS_OPTIMAL && run_unscaled_pinf(lp) > ps->feas_tol)
+        ps->status = LPS_OPT_UNSCALED;
     /* final figures on a fresh factorization */
     if (ps->status != LPS_OBJLIM || !ps->fast) {
         st = primal_refresh(env, lp);
@@ -394,7 +292,7 @@ int primal_opt(TRVenv env, TRVlp lp, int it_so_far, int it1_so_far,
         if (ps->d_kept == 0) primal_compute_d(lp);
         ps->objective = primal_objective(lp);
     }
-    if (ps->log.display >= 1) primal_log(env, lp, 1);
+    if (ps->log.display >= 1) run_log(env, lp, ps, 1);
     lp->stat = ps->status;
     return 0;
 }

@@ -12,7 +12,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "simplex/primal.h"
+#include "simplex/core.h"
 
 #define ALPHA_SKIP 1e-13
 

@@ -3,7 +3,7 @@
  * model as the solution record: unscaled, with the caller's objective
  * sense, and the variable that proved an infeasible or unbounded end.
  */
-#include "simplex/dual.h"
+#include "simplex/core.h"
 
 /* The basic variable the farthest outside its bounds, or -1. */
 static int worst_infeasible(const simplex_lp *s, const simplex_iter *it) {

@@ -5,7 +5,7 @@
  * the exported entry of the primal simplex.
  */
 #include "formats/bas.h"
-#include "simplex/dual.h"
+#include "simplex/core.h"
 #include "store/scale.h"
 
 /* Releases the working structures of a run; the solution record stays. */

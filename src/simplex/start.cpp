@@ -15,7 +15,7 @@
 #include <cmath>
 
 #include "formats/bas.h"
-#include "simplex/dual.h"
+#include "simplex/core.h"
 
 /* The variable standing for row i: its slack, or its artificial. */
 static int row_var(const simplex_lp *s, int i) { return s->slack_of_row[i]; }

@@ -4,7 +4,7 @@
  * word is set directly. */
 #include <gtest/gtest.h>
 
-#include "simplex/dual.h"
+#include "simplex/core.h"
 #include "support/internal.h"
 #include "support/model.h"
 

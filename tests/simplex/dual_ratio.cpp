@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <vector>
 
-#include "simplex/dual.h"
+#include "simplex/core.h"
 #include "support/internal.h"
 #include "support/model.h"
 

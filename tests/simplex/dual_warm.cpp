@@ -9,7 +9,7 @@
 #include <cmath>
 #include <vector>
 
-#include "simplex/dual.h"
+#include "simplex/core.h"
 #include "store/scale.h"
 #include "support/kkt.h"
 #include "support/internal.h"

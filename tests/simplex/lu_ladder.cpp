@@ -7,7 +7,7 @@
 #include <random>
 
 #include "frame/callback.h"
-#include "simplex/lu.h"
+#include "simplex/core.h"
 #include "support/internal.h"
 #include "support/model.h"
 

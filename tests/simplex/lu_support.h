@@ -8,7 +8,7 @@
 #include <random>
 #include <vector>
 
-#include "simplex/lu.h"
+#include "simplex/core.h"
 
 /* A simplex_lp whose arrays live in vectors: columns only (the solves need
  * nothing else). */

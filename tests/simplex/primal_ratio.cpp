@@ -8,7 +8,7 @@
 
 #include "support/internal.h"
 #include "support/model.h"
-#include "simplex/primal.h"
+#include "simplex/core.h"
 
 namespace {
 

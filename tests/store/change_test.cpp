@@ -5,7 +5,7 @@
 
 #include <vector>
 
-#include "simplex/splp.h"
+#include "simplex/core.h"
 #include "store/change.h"
 #include "support/internal.h"
 #include "support/model.h"
