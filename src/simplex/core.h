@@ -513,6 +513,20 @@ struct dual_state : simplex_run {
     double rw_step;     /* dual step of the last test */
     int rw_enter;       /* entering variable or -1 */
     double rw_pivot_abs, rw_max_abs;
+    /* the choice of the leaving row: the positions whose basic variable
+     * is outside its working bounds by more than the tolerance, in a heap
+     * ordered by the weighted violation (heap, heap_at: the place of each
+     * position or -1; hv2, hw: the squared violation and the weight it was
+     * ordered by), kept up with the positions whose value or weight an
+     * iteration changed (dirty) and made anew when the values are
+     * recomputed (heap_stale) or the tolerance or the pricing changes */
+    int *heap, heap_n, *heap_at;
+    double *hv2, *hw;
+    int *dirty, dirty_n;
+    char *dirty_in;
+    int heap_stale;
+    double heap_tol;
+    int heap_plain;
     double sum_dinf;      /* sum and count of dual infeasibilities (phase 1) */
     int n_dinf;
     int norms_ready;
@@ -555,6 +569,19 @@ void dual_row_swap(TRVlp lp, int entering, int leaving);
 
 /* pricing and norms (dprice.cpp) */
 int dual_pricing_mode(TRVenv env, TRVlp lp, int param, int *mode);
+/* The value or the weight at position i changed: the choice of the
+ * leaving row looks at it again. */
+inline void dual_infeas_touch(dual_state *ds, int i) {
+    if (ds->dirty_in[i]) return;
+    ds->dirty_in[i] = 1;
+    ds->dirty[ds->dirty_n++] = i;
+}
+/* With simplex_checking set, what a run keeps from iteration to iteration
+ * (the candidate lists of the choices) is checked against a choice made
+ * from scratch, and each difference counted in simplex_check_faults. For
+ * tests: it costs a full scan each time. */
+extern int simplex_checking;
+extern long simplex_check_faults;
 int dual_price_select(TRVlp lp, double tol);
 void dual_price_pivot(TRVlp lp, int p, double alpha_p, double rho_norm2);
 int dual_norms_init(TRVenv env, TRVlp lp);

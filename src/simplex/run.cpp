@@ -13,6 +13,9 @@
 #include "frame/callback.h"
 #include "simplex/core.h"
 
+int simplex_checking = 0;
+long simplex_check_faults = 0;
+
 /* ---- the record ------------------------------------------------------------ */
 
 int run_alloc(TRVlp lp, simplex_run *r) {
