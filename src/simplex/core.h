@@ -162,6 +162,47 @@ enum {
     DPR_SWITCH = 5      /* plain first, steepest edge later */
 };
 
+/* ---- the kept choices (kheap.cpp) ------------------------------------------- */
+
+/* An indexed heap of items 0..cap-1 (basis positions or variables) that
+ * are candidates of a choice, ordered by the key v/w, largest first. */
+struct key_heap {
+    int *heap, n;       /* the candidates in heap order */
+    int *at;            /* the place of each item, -1 when it is none */
+    double *kv, *kw;    /* the key each item is placed by */
+    int *dirty, ndirty; /* the items an iteration changed, to be settled */
+    char *dirty_in;
+    int cap;
+    int stale;          /* to be made anew before the next choice */
+};
+
+/* Item a's key beats b's: v/w larger, compared without the division; of
+ * equal ones the smaller index. */
+inline bool kheap_better(const key_heap *h, int a, int b) {
+    double l = h->kv[a] * h->kw[b], r = h->kv[b] * h->kw[a];
+    return l > r || (l == r && a < b);
+}
+int kheap_alloc(key_heap *h, int cap);
+void kheap_free(key_heap *h);
+/* Made anew: kheap_begin empties it, kheap_append adds the candidates in
+ * any order, kheap_order puts them in order. */
+void kheap_begin(key_heap *h);
+void kheap_append(key_heap *h, int i, double v, double w);
+void kheap_order(key_heap *h);
+/* Item i with a new key, put in its place, or taken out. */
+void kheap_set(key_heap *h, int i, double v, double w);
+void kheap_remove(key_heap *h, int i);
+/* Item i changed: settled before the next choice. */
+inline void kheap_touch(key_heap *h, int i) {
+    if (h->dirty_in[i]) return;
+    h->dirty_in[i] = 1;
+    h->dirty[h->ndirty++] = i;
+}
+/* The best item not banned for the round (ban[i] == BAN_ROUND): the top,
+ * or after a failed pivot banned it the best of the others by a pass; -1
+ * when none. */
+int kheap_best(const key_heap *h, const int *ban);
+
 /* ---- the run record the primal and the dual share ------------------------ */
 
 struct perturb_rec {
@@ -434,6 +475,13 @@ struct primal_state : simplex_run {
     char *pmark;                  /* ncoltot, zero between pivots */
     primal_partial *partial;
     primal_devex *devex;
+    /* the choice of the entering column by the families that keep every
+     * reduced cost: the columns that may enter, keyed by the family's
+     * measure, and the superbasic ones among them by their reduced cost
+     * alone (they go first), kept up with the columns an iteration
+     * changed and made anew when the reduced costs are recomputed */
+    key_heap cols, supers;
+    double cols_tol;
     int d_kept;                   /* the family keeps it->d up to date */
     ratio_work rw;
     int shift_on;
@@ -471,6 +519,9 @@ void primal_price_free(primal_state *ps);
 int primal_price_select(TRVlp lp, double tol);
 void primal_price_reset(TRVlp lp);
 void primal_price_pivot(TRVlp lp, int p, int leaving, int entering, double alpha_p);
+/* Column j's reduced cost, status, weight or ban changed: the choice of
+ * the entering column looks at it again. */
+void primal_price_touch(primal_state *ps, int j);
 int primal_norms_init(TRVenv env, TRVlp lp, int mode);
 double primal_attract(const simplex_iter *it, int j, double d);
 
@@ -509,24 +560,22 @@ struct dual_state : simplex_run {
     /* ratio test */
     int *cand_j;
     double *cand_ratio, *cand_a, *cand_h; /* ratio, signed entry, relaxed ratio */
+    int cand_left;        /* candidates left after the first group flipped */
+    int *cand_ord, *cand_hord; /* their heaps by ratio and by relaxed ratio */
+    int *cand_group;      /* the members of a group */
+    char *cand_done;      /* flipped in the walk */
     int *flip_list, n_flip;
     double rw_step;     /* dual step of the last test */
     int rw_enter;       /* entering variable or -1 */
     double rw_pivot_abs, rw_max_abs;
     /* the choice of the leaving row: the positions whose basic variable
-     * is outside its working bounds by more than the tolerance, in a heap
-     * ordered by the weighted violation (heap, heap_at: the place of each
-     * position or -1; hv2, hw: the squared violation and the weight it was
-     * ordered by), kept up with the positions whose value or weight an
-     * iteration changed (dirty) and made anew when the values are
-     * recomputed (heap_stale) or the tolerance or the pricing changes */
-    int *heap, heap_n, *heap_at;
-    double *hv2, *hw;
-    int *dirty, dirty_n;
-    char *dirty_in;
-    int heap_stale;
-    double heap_tol;
-    int heap_plain;
+     * is outside its working bounds by more than the tolerance, keyed by
+     * the squared violation over the weight, kept up with the positions
+     * whose value or weight an iteration changed and made anew when the
+     * values are recomputed or the tolerance or the pricing changes */
+    key_heap rows;
+    double rows_tol;
+    int rows_plain;
     double sum_dinf;      /* sum and count of dual infeasibilities (phase 1) */
     int n_dinf;
     int norms_ready;
@@ -569,13 +618,7 @@ void dual_row_swap(TRVlp lp, int entering, int leaving);
 
 /* pricing and norms (dprice.cpp) */
 int dual_pricing_mode(TRVenv env, TRVlp lp, int param, int *mode);
-/* The value or the weight at position i changed: the choice of the
- * leaving row looks at it again. */
-inline void dual_infeas_touch(dual_state *ds, int i) {
-    if (ds->dirty_in[i]) return;
-    ds->dirty_in[i] = 1;
-    ds->dirty[ds->dirty_n++] = i;
-}
+
 /* With simplex_checking set, what a run keeps from iteration to iteration
  * (the candidate lists of the choices) is checked against a choice made
  * from scratch, and each difference counted in simplex_check_faults. For

@@ -113,7 +113,7 @@ static double do_flips(TRVlp lp) {
     for (int k = 0; k < r->nz; k++) {
         int i = r->idx[k];
         it->x[it->head[i]] -= r->val[i];
-        dual_infeas_touch(ds, i);
+        kheap_touch(&ds->rows, i);
     }
     ds->flip_count += ds->n_flip;
     return dz;
@@ -251,7 +251,7 @@ static int dual_try(TRVenv env, TRVlp lp, int p, int forced) {
         }
     }
     /* values and weights along the entering column move */
-    for (int k = 0; k < a->nz; k++) dual_infeas_touch(ds, a->idx[k]);
+    for (int k = 0; k < a->nz; k++) kheap_touch(&ds->rows, a->idx[k]);
     it->x[q] += theta_p;
     it->x[r_var] = target;
     dz += dq_old * theta_p;

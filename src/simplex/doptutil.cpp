@@ -24,13 +24,12 @@ static void state_release(dual_state *ds) {
     trv_free(&ds->cand_ratio);
     trv_free(&ds->cand_a);
     trv_free(&ds->cand_h);
+    trv_free(&ds->cand_ord);
+    trv_free(&ds->cand_hord);
+    trv_free(&ds->cand_group);
+    trv_free(&ds->cand_done);
     trv_free(&ds->flip_list);
-    trv_free(&ds->heap);
-    trv_free(&ds->heap_at);
-    trv_free(&ds->hv2);
-    trv_free(&ds->hw);
-    trv_free(&ds->dirty);
-    trv_free(&ds->dirty_in);
+    kheap_free(&ds->rows);
 }
 
 void dual_free(TRVlp lp) {
@@ -133,17 +132,15 @@ int dual_state_alloc(TRVenv env, TRVlp lp) {
     ds->cand_a = trv_alloc<double>(nc);
     ds->cand_h = trv_alloc<double>(nc);
     ds->flip_list = trv_alloc<int>(nc);
-    ds->heap = trv_alloc<int>(m);
-    ds->heap_at = trv_alloc<int>(m);
-    ds->hv2 = trv_alloc<double>(m);
-    ds->hw = trv_alloc<double>(m);
-    ds->dirty = trv_alloc<int>(m);
-    ds->dirty_in = trv_zalloc<char>(m);
-    ds->heap_stale = 1;
+    ds->cand_ord = trv_alloc<int>(nc);
+    ds->cand_hord = trv_alloc<int>(nc);
+    ds->cand_group = trv_alloc<int>(nc);
+    ds->cand_done = trv_alloc<char>(nc);
+    int heap_status = kheap_alloc(&ds->rows, m);
     if (it->dweight == nullptr) it->dweight = trv_alloc<double>(m);
     if (!ds->lo_on || !ds->up_on || !ds->iwork || !ds->cand_j || !ds->cand_ratio ||
-        !ds->cand_a || !ds->cand_h || !ds->flip_list || !ds->heap || !ds->heap_at || !ds->hv2 || !ds->hw ||
-        !ds->dirty || !ds->dirty_in ||
+        !ds->cand_a || !ds->cand_h || !ds->flip_list || !ds->cand_ord || !ds->cand_hord ||
+        !ds->cand_group || !ds->cand_done || heap_status != 0 ||
         !it->dweight)
         return 1001;
     if (sv_alloc(&ds->fcol, m) || sv_alloc(&ds->fdelta, m)) return 1001;
@@ -193,7 +190,7 @@ void dual_compute_x(TRVlp lp) {
     for (int j = 0; j < lp->solver->splp.ncoltot; j++)
         if (it->status[j] == VS_SUPER && ds->lo_on[j] && ds->up_on[j]) it->x[j] = 0.0;
     run_compute_x(lp, ds);
-    ds->heap_stale = 1;
+    ds->rows.stale = 1;
 }
 
 /* Duals from the basic costs, reduced costs of the nonbasic variables. */

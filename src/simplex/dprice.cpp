@@ -37,54 +37,6 @@ double dual_infeasibility(const dual_state *ds, const simplex_iter *it, int j) {
     }
 }
 
-/* ---- the heap of the leaving-row choice ----------------------------------- */
-
-/* Position a's weighted violation beats b's: v*v/w larger (compared
- * without the division), of equal ones the first position. */
-static inline bool heap_better(const dual_state *ds, int a, int b) {
-    double l = ds->hv2[a] * ds->hw[b], r = ds->hv2[b] * ds->hw[a];
-    return l > r || (l == r && a < b);
-}
-
-static void heap_up(dual_state *ds, int k) {
-    int *h = ds->heap, i = h[k];
-    while (k > 0) {
-        int up = (k - 1) / 2;
-        if (!heap_better(ds, i, h[up])) break;
-        h[k] = h[up];
-        ds->heap_at[h[k]] = k;
-        k = up;
-    }
-    h[k] = i;
-    ds->heap_at[i] = k;
-}
-
-static void heap_down(dual_state *ds, int k) {
-    int *h = ds->heap, n = ds->heap_n, i = h[k];
-    for (;;) {
-        int c = 2 * k + 1;
-        if (c >= n) break;
-        if (c + 1 < n && heap_better(ds, h[c + 1], h[c])) c++;
-        if (!heap_better(ds, h[c], i)) break;
-        h[k] = h[c];
-        ds->heap_at[h[k]] = k;
-        k = c;
-    }
-    h[k] = i;
-    ds->heap_at[i] = k;
-}
-
-static void heap_remove(dual_state *ds, int i) {
-    int k = ds->heap_at[i];
-    ds->heap_at[i] = -1;
-    int last = ds->heap[--ds->heap_n];
-    if (k == ds->heap_n) return;
-    ds->heap[k] = last;
-    ds->heap_at[last] = k;
-    heap_up(ds, k);
-    heap_down(ds, ds->heap_at[last]);
-}
-
 /* The violation of the basic variable at position i beyond tol, or 0. */
 static inline double violation(const dual_state *ds, const simplex_iter *it, int i, double tol) {
     int j = it->head[i];
@@ -94,58 +46,30 @@ static inline double violation(const dual_state *ds, const simplex_iter *it, int
     return 0.0;
 }
 
-/* Position i in its place in the heap, or out of it. */
-static void heap_set(dual_state *ds, const simplex_iter *it, int i) {
-    double v = violation(ds, it, i, ds->heap_tol);
-    if (v == 0.0) {
-        if (ds->heap_at[i] >= 0) heap_remove(ds, i);
-        return;
-    }
-    ds->hv2[i] = v * v;
-    ds->hw[i] = ds->heap_plain ? 1.0 : it->dweight[i];
-    if (ds->heap_at[i] < 0) {
-        ds->heap[ds->heap_n] = i;
-        ds->heap_at[i] = ds->heap_n++;
-        heap_up(ds, ds->heap_at[i]);
-    } else {
-        heap_up(ds, ds->heap_at[i]);
-        heap_down(ds, ds->heap_at[i]);
-    }
-}
-
-/* The heap made anew from every position. */
-static void heap_build(dual_state *ds, const simplex_iter *it, int m, double tol, int plain) {
-    ds->heap_tol = tol;
-    ds->heap_plain = plain;
-    ds->heap_n = 0;
+/* The candidates of the leaving row made anew from every position. */
+static void rows_build(dual_state *ds, const simplex_iter *it, int m, double tol, int plain) {
+    key_heap *h = &ds->rows;
+    ds->rows_tol = tol;
+    ds->rows_plain = plain;
+    kheap_begin(h);
     for (int i = 0; i < m; i++) {
-        ds->heap_at[i] = -1;
         double v = violation(ds, it, i, tol);
-        if (v == 0.0) continue;
-        ds->hv2[i] = v * v;
-        ds->hw[i] = plain ? 1.0 : it->dweight[i];
-        ds->heap[ds->heap_n] = i;
-        ds->heap_at[i] = ds->heap_n++;
+        if (v != 0.0) kheap_append(h, i, v * v, plain ? 1.0 : it->dweight[i]);
     }
-    for (int k = ds->heap_n / 2 - 1; k >= 0; k--) heap_down(ds, k);
-    for (int k = 0; k < ds->dirty_n; k++) ds->dirty_in[ds->dirty[k]] = 0;
-    ds->dirty_n = 0;
-    ds->heap_stale = 0;
+    kheap_order(h);
 }
 
-/* The best position on the heap not banned for the round: the top, or,
- * after a failed pivot banned it, the best of the others by a pass. */
-static int heap_best(const dual_state *ds, const int *ban) {
-    if (ds->heap_n == 0) return -1;
-    int top = ds->heap[0];
-    if (ban[top] != BAN_ROUND) return top;
-    int best = -1;
-    for (int k = 0; k < ds->heap_n; k++) {
-        int i = ds->heap[k];
-        if (ban[i] == BAN_ROUND) continue;
-        if (best < 0 || heap_better(ds, i, best)) best = i;
+/* The positions an iteration changed, back in their places. */
+static void rows_settle(dual_state *ds, const simplex_iter *it) {
+    key_heap *h = &ds->rows;
+    for (int k = 0; k < h->ndirty; k++) {
+        int i = h->dirty[k];
+        h->dirty_in[i] = 0;
+        double v = violation(ds, it, i, ds->rows_tol);
+        if (v == 0.0) kheap_remove(h, i);
+        else kheap_set(h, i, v * v, ds->rows_plain ? 1.0 : it->dweight[i]);
     }
-    return best;
+    h->ndirty = 0;
 }
 
 /* The leaving position: the largest weighted violation above tol among the
@@ -155,17 +79,11 @@ int dual_price_select(TRVlp lp, double tol) {
     dual_state *ds = lp->dual;
     int m = lp->solver->splp.m;
     int plain = ds->pricing == DPR_PLAIN || ds->pricing == DPR_SWITCH;
-    if (ds->heap_stale || tol != ds->heap_tol || plain != ds->heap_plain) {
-        heap_build(ds, it, m, tol, plain);
-    } else {
-        for (int k = 0; k < ds->dirty_n; k++) {
-            int i = ds->dirty[k];
-            ds->dirty_in[i] = 0;
-            heap_set(ds, it, i);
-        }
-        ds->dirty_n = 0;
-    }
-    int best = heap_best(ds, it->pos_ban);
+    if (ds->rows.stale || tol != ds->rows_tol || plain != ds->rows_plain)
+        rows_build(ds, it, m, tol, plain);
+    else
+        rows_settle(ds, it);
+    int best = kheap_best(&ds->rows, it->pos_ban);
     if (simplex_checking) {
         /* the same choice by a scan of every position */
         const double *w = it->dweight;
@@ -178,9 +96,9 @@ int dual_price_select(TRVlp lp, double tol) {
             if (v * v * sw > sv * sv * wi) scan = i, sv = v, sw = wi;
         }
         /* a near tie may go either way under rounding */
+        const key_heap *h = &ds->rows;
         bool tie = scan >= 0 && best >= 0 &&
-                   std::fabs(ds->hv2[best] * sw - sv * sv * ds->hw[best]) <=
-                       1e-12 * sv * sv * ds->hw[best];
+                   std::fabs(h->kv[best] * sw - sv * sv * h->kw[best]) <= 1e-12 * sv * sv * h->kw[best];
         if (scan != best && !tie) simplex_check_faults++;
     }
     return best;
@@ -199,7 +117,7 @@ void dual_price_pivot(TRVlp lp, int p, double alpha_p, double rho_norm2) {
     if (1000.0 * r < w[p]) {
         /* the weights have drifted away from the true norms */
         for (int i = 0; i < m; i++) w[i] = 1.0;
-        ds->heap_stale = 1;
+        ds->rows.stale = 1;
         w[p] = r / (alpha_p * alpha_p);
         return;
     }
@@ -222,7 +140,7 @@ void dual_norms_reset(TRVlp lp) {
     simplex_iter *it = &lp->solver->it;
     for (int i = 0; i < lp->solver->splp.m; i++) it->dweight[i] = 1.0;
     lp->dual->norms_ready = 0;
-    lp->dual->heap_stale = 1;
+    lp->dual->rows.stale = 1;
 }
 
 /* ||e_i B^-1||^2 at position i. */
@@ -250,7 +168,7 @@ int dual_norms_init(TRVenv env, TRVlp lp) {
     const simplex_lp *s = &lp->solver->splp;
     dual_state *ds = lp->dual;
     int m = s->m;
-    ds->heap_stale = 1;
+    ds->rows.stale = 1;
     if (ds->pricing == DPR_PLAIN || ds->pricing == DPR_SWITCH) {
         dual_norms_reset(lp);
         return 0;

@@ -151,6 +151,7 @@ static int bound_flip(TRVlp lp, int q, int dir) {
     ps->log.left = -1;
     ps->log.left_status = old == 3 ? 3 : it->status[q];
     ps->flipped = 1;
+    primal_price_touch(ps, q);
     if (ps->phase == 1) {
         after_step_phase1(lp);
     } else {
@@ -197,12 +198,16 @@ static int basis_change(TRVenv env, TRVlp lp, int q, int dir, int forced) {
         }
         ps->objective += theta * dq;
     }
+    /* reduced costs and weights along the pivot row move */
+    for (int k = 0; k < ps->prow_nz; k++) primal_price_touch(ps, ps->prow_idx[k]);
     it->d[q] = 0.0;
     it->d[r] = -td;
     it->status[r] = static_cast<signed char>(rw->status_to == 2 ? 2 : 0);
     if (!s->has_lower[r] && !s->has_upper[r]) it->status[r] = 3;
     it->status[q] = 1;
     it->head[p] = q;
+    primal_price_touch(ps, q);
+    primal_price_touch(ps, r);
     ps->log.entered = q;
     ps->log.left = r;
     ps->flipped = 0;
@@ -258,6 +263,7 @@ static int primal_try_dir(TRVenv env, TRVlp lp, int q, int forced, int recheck, 
         if (ps->phase == 1) return RC_RETRY;
         double d = primal_dj(lp, q);
         it->d[q] = d;
+        primal_price_touch(ps, q);
         if (primal_attract(it, q, d) >= -ps->opt_tol) return RC_RETRY;
         return primal_try(env, lp, q, forced, 1);
     }
@@ -282,8 +288,9 @@ int primal_pivot(TRVenv env, TRVlp lp, int q) {
         int r = primal_try(env, lp, q, 0, 0);
         if (r != RC_RETRY) return r;
         if (ps->status != 0) return 0;
-        it->ban[q] = 33;
+        it->ban[q] = BAN_ROUND;
         ps->n_banned++;
+        primal_price_touch(ps, q);
         ps->attempted[n_att++] = q;
         double p = ps->rw.pivot_abs;
         if (p > best_r) {
@@ -295,9 +302,10 @@ int primal_pivot(TRVenv env, TRVlp lp, int q) {
     if (ps->updates > 1 || (ps->updates == 1 && env_randomd(env) >= 0.5))
         return run_refactor_retry(env, lp, ps);
     if (best < 0) return RC_RETRY;
-    it->ban[best] = 0;
+    it->ban[best] = BAN_NONE;
     ps->n_banned--;
     it->d[best] = primal_dj(lp, best);
+    primal_price_touch(ps, best);
     if (primal_attract(it, best, it->d[best]) >= -phase_tol(ps)) return RC_RETRY;
     int r = primal_try(env, lp, best, 1, 0);
     return r;
@@ -321,6 +329,7 @@ int push_primal(TRVenv env, TRVlp lp, int *moved_p) {
     for (int j = 0; j < s->ntotal; j++) {
         if (it->status[j] != 3) continue;
         it->d[j] = primal_dj(lp, j);
+        primal_price_touch(ps, j);
         int dirs[2], nd = 0;
         bool fl = s->has_lower[j], fu = s->has_upper[j];
         double x = it->x[j];

@@ -100,6 +100,7 @@ double primal_dj(TRVlp lp, int j) {
 void primal_compute_d(TRVlp lp) {
     primal_state *ps = lp->primal;
     reduced_costs(lp, ps->phase == 1 ? nullptr : ps->cost);
+    ps->cols.stale = 1;
 }
 
 /* Phase 1 costs of the basic variables: -1 below the lower bound, +1 above

@@ -29,6 +29,8 @@ static inline bool may_enter(const primal_state *ps, const simplex_iter *it, int
 }
 
 void primal_price_free(primal_state *ps) {
+    kheap_free(&ps->cols);
+    kheap_free(&ps->supers);
     if (ps->partial != nullptr) {
         primal_partial *pp = ps->partial;
         trv_free(&pp->var);
@@ -68,6 +70,7 @@ static void devex_reset(TRVlp lp) {
     const simplex_lp *s = &lp->solver->splp;
     simplex_iter *it = &lp->solver->it;
     primal_devex *dv = lp->primal->devex;
+    lp->primal->cols.stale = 1;
     dv->ref_size = 0;
     for (int j = 0; j < s->ncoltot; j++) {
         dv->ref[j] = it->status[j] != 1;
@@ -104,6 +107,7 @@ int primal_price_init(TRVenv env, TRVlp lp, int family) {
         it->pweight = trv_alloc<double>(nc);
         if (it->pweight == nullptr) return 1001;
     }
+    if (kheap_alloc(&ps->cols, nt) != 0 || kheap_alloc(&ps->supers, nt) != 0) return 1001;
     for (int j = 0; j < nc; j++) it->pweight[j] = 1.0;
     if (family == 1) {
         ps->devex = trv_zalloc<primal_devex>(1);
@@ -117,7 +121,9 @@ int primal_price_init(TRVenv env, TRVlp lp, int family) {
 
 /* The candidate list is dropped; a new pass starts. */
 void primal_price_reset(TRVlp lp) {
-    primal_partial *pp = lp->primal->partial;
+    primal_state *ps = lp->primal;
+    ps->cols.stale = 1;
+    primal_partial *pp = ps->partial;
     if (pp == nullptr) return;
     for (int k = 0; k < pp->count; k++) pp->mark[pp->var[k]] = 0;
     pp->count = 0;
@@ -211,32 +217,97 @@ static int partial_select(TRVlp lp, double tol) {
 
 /* ---- the families that keep every reduced cost ----------------------------- */
 
-static int keyed_select(TRVlp lp, double tol) {
+/* The family's measure of nonbasic j with attractiveness a (negative). */
+static inline double family_key(int fam, const double *w, int j, double a) {
+    if (fam == 4) return -a;
+    if (fam == 1) return a * a / (w[j] * w[j]);
+    return a * a / w[j];
+}
+
+/* Column j in its places in the two heaps at tol, or out of them. */
+static void cols_set(primal_state *ps, const simplex_iter *it, int j) {
+    double a = may_enter(ps, it, j) ? primal_attract(it, j, it->d[j]) : 0.0;
+    if (a >= -ps->cols_tol) {
+        kheap_remove(&ps->cols, j);
+        kheap_remove(&ps->supers, j);
+        return;
+    }
+    kheap_set(&ps->cols, j, family_key(ps->pricing, it->pweight, j, a), 1.0);
+    if (it->status[j] == VS_SUPER && -a > 1e-5)
+        kheap_set(&ps->supers, j, -a, 1.0);
+    else
+        kheap_remove(&ps->supers, j);
+}
+
+/* Both heaps made anew from every column. */
+static void cols_build(primal_state *ps, const simplex_iter *it, int nt, double tol) {
+    ps->cols_tol = tol;
+    kheap_begin(&ps->cols);
+    kheap_begin(&ps->supers);
+    for (int j = 0; j < nt; j++) {
+        if (!may_enter(ps, it, j)) continue;
+        double a = primal_attract(it, j, it->d[j]);
+        if (a >= -tol) continue;
+        kheap_append(&ps->cols, j, family_key(ps->pricing, it->pweight, j, a), 1.0);
+        if (it->status[j] == VS_SUPER && -a > 1e-5) kheap_append(&ps->supers, j, -a, 1.0);
+    }
+    kheap_order(&ps->cols);
+    kheap_order(&ps->supers);
+}
+
+void primal_price_touch(primal_state *ps, int j) {
+    /* artificials never enter */
+    if (ps->cols.heap != nullptr && !ps->cols.stale && j < ps->cols.cap) kheap_touch(&ps->cols, j);
+}
+
+/* The choice by a scan of every column: a superbasic whose reduced cost
+ * passes 1e-5 first, the largest; else the best by the family's measure. */
+static int keyed_scan(TRVlp lp, double tol) {
     const simplex_lp *s = &lp->solver->splp;
     const simplex_iter *it = &lp->solver->it;
     primal_state *ps = lp->primal;
     int best = -1, best_super = -1;
     double best_key = 0.0, best_sd = 1e-5;
-    const double *w = it->pweight;
-    int fam = ps->pricing;
     for (int j = 0; j < s->ntotal; j++) {
         if (!may_enter(ps, it, j)) continue;
         double a = primal_attract(it, j, it->d[j]);
         if (a >= -tol) continue;
-        if (it->status[j] == 3 && -a > best_sd) {
+        if (it->status[j] == VS_SUPER && -a > best_sd) {
             best_sd = -a;
             best_super = j;
         }
-        double key;
-        if (fam == 4) key = -a;
-        else if (fam == 1) key = a * a / (w[j] * w[j]);
-        else key = a * a / w[j];
+        double key = family_key(ps->pricing, it->pweight, j, a);
         if (key > best_key) {
             best_key = key;
             best = j;
         }
     }
     return best_super >= 0 ? best_super : best;
+}
+
+/* The same choice from the heaps, kept up with the columns that changed. */
+static int keyed_select(TRVlp lp, double tol) {
+    const simplex_iter *it = &lp->solver->it;
+    primal_state *ps = lp->primal;
+    int nt = lp->solver->splp.ntotal;
+    key_heap *h = &ps->cols;
+    if (h->stale || tol != ps->cols_tol) {
+        cols_build(ps, it, nt, tol);
+    } else {
+        for (int k = 0; k < h->ndirty; k++) {
+            int j = h->dirty[k];
+            h->dirty_in[j] = 0;
+            cols_set(ps, it, j);
+        }
+        h->ndirty = 0;
+    }
+    int best = kheap_best(&ps->supers, it->ban);
+    if (best < 0) best = kheap_best(h, it->ban);
+    if (simplex_checking) {
+        int scan = keyed_scan(lp, tol);
+        if (scan != best) simplex_check_faults++;
+    }
+    return best;
 }
 
 /* A reduced cost is only as exact as the sum it comes from: one at the
@@ -258,8 +329,9 @@ static bool above_noise(TRVlp lp, int j, double d) {
 /* A candidate whose reduced cost is round-off leaves the choice for the
  * round (ban 33). */
 static void drop_noise(TRVlp lp, int q) {
-    lp->solver->it.ban[q] = 33;
+    lp->solver->it.ban[q] = BAN_ROUND;
     lp->primal->n_banned++;
+    primal_price_touch(lp->primal, q);
 }
 
 /* The entering variable, or -1; its reduced cost is verified against the
@@ -284,6 +356,7 @@ int primal_price_select(TRVlp lp, double tol) {
         if (q < 0) return -1;
         double d = primal_dj(lp, q);
         it->d[q] = d;
+        primal_price_touch(ps, q);
         if (primal_attract(it, q, d) >= -tol) continue;
         if (above_noise(lp, q, d)) return q;
         drop_noise(lp, q);
@@ -447,6 +520,7 @@ int primal_norms_init(TRVenv env, TRVlp lp, int mode) {
     const simplex_lp *s = &lp->solver->splp;
     simplex_iter *it = &lp->solver->it;
     primal_state *ps = lp->primal;
+    ps->cols.stale = 1;
     bool show = ps->log.display > 0;
     if (weights_stored(env, lp)) {
         if (show) TRVmsg(env->reschannel, "Reinitializing primal norms . . .\n");

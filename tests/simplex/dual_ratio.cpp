@@ -4,6 +4,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
+#include <random>
 #include <vector>
 
 #include "simplex/core.h"
@@ -19,10 +21,11 @@ struct Kit {
     TRVlp lp = nullptr;
     dual_state *ds = nullptr;
     simplex_iter *it = nullptr;
-    Kit() {
+    int n;
+    explicit Kit(int ncols = 6) : n(ncols) {
         Model md;
         md.row('L', 1.0);
-        for (int j = 0; j < 6; j++) md.col(0.0, 0.0, 1e20, {{0, 1.0}});
+        for (int j = 0; j < n; j++) md.col(0.0, 0.0, 1e20, {{0, 1.0}});
         lp = lp_of(md.copy_into(te.env));
         EXPECT_EQ(simplex_build(env_of(te.env), lp), 0);
         EXPECT_EQ(dual_state_alloc(env_of(te.env), lp), 0);
@@ -30,7 +33,7 @@ struct Kit {
         it = &lp->solver->it;
         ds->harris_delta = 1e-7;
         ds->feas_tol = 1e-6;
-        for (int j = 0; j < 6; j++) set(j, 0, 0.0, 0.0, 1e20);
+        for (int j = 0; j < n; j++) set(j, 0, 0.0, 0.0, 1e20);
     }
     ~Kit() {
         dual_free(lp);
@@ -180,4 +183,98 @@ TEST(DualRatio, PoorPivotAsksForAnotherRow) {
     k.row({{0, -1e-8}, {1, -1.0}});
     ASSERT_EQ(ratio_dual(k.lp, -1, 1.0, 1), 0);
     EXPECT_EQ(k.ds->rw_enter, 1);
+}
+
+/* The long-step test walked the way it reads, group after group over all
+ * candidates left: the reference for the test that walks past the first
+ * group by heaps. Returns the entering variable (-1: none) with its step
+ * and the flips. */
+static int reference_walk(const Kit &k, int dir, double slope, double delta,
+                          std::vector<int> *flips, double *step) {
+    std::vector<int> cj;
+    std::vector<double> cr, ca, ch;
+    for (int j = 0; j < k.n; j++) {
+        double a = dir * k.ds->prow[j];
+        if (std::fabs(a) <= DR_TINY) continue;
+        int st = k.it->status[j];
+        bool block = st == 0 ? a > 0.0 : st == 2 ? a < 0.0 : true;
+        if (!block || k.ds->lower[j] == k.ds->upper[j]) continue;
+        cj.push_back(j), ca.push_back(a), cr.push_back(k.it->d[j] / a);
+        ch.push_back((k.it->d[j] + (a > 0.0 ? delta : -delta)) / a);
+    }
+    flips->clear();
+    while (!cj.empty()) {
+        double tmax = *std::min_element(ch.begin(), ch.end());
+        if (tmax < 0.0) tmax = 0.0;
+        double reduce = 0.0, best_abs = 0.0;
+        int best = -1;
+        bool open_var = false;
+        for (size_t q = 0; q < cj.size(); q++) {
+            if (cr[q] > tmax) continue;
+            int j = cj[q];
+            if (k.ds->lo_on[j] && k.ds->up_on[j]) reduce += std::fabs(ca[q]) * (k.ds->upper[j] - k.ds->lower[j]);
+            else open_var = true;
+            if (std::fabs(ca[q]) > best_abs) best_abs = std::fabs(ca[q]), best = static_cast<int>(q);
+        }
+        if (best < 0) return -1;
+        if (open_var || !(slope - reduce > 1e-9)) {
+            *step = cr[best];
+            return cj[best];
+        }
+        slope -= reduce;
+        size_t w = 0;
+        for (size_t q = 0; q < cj.size(); q++) {
+            if (cr[q] <= tmax) {
+                flips->push_back(cj[q]);
+                continue;
+            }
+            cj[w] = cj[q], ca[w] = ca[q], cr[w] = cr[q], ch[w] = ch[q];
+            w++;
+        }
+        cj.resize(w), ca.resize(w), cr.resize(w), ch.resize(w);
+    }
+    return -1;
+}
+
+TEST(DualRatio, LongRowsWalkManyGroupsAsTheyRead) {
+    /* rows of many boxed candidates with ties among the ratios, a large
+     * slope that passes many groups, some free and one-sided candidates */
+    Kit k(400);
+    std::mt19937 g(17);
+    std::uniform_real_distribution<double> u(0.0, 1.0);
+    int walked = 0;
+    for (int round = 0; round < 200; round++) {
+        std::vector<std::pair<int, double>> entries;
+        for (int j = 0; j < k.n; j++) {
+            int kind = static_cast<int>(u(g) * 10);
+            double d = std::floor(u(g) * 20) * 0.25;
+            double width = 0.5 + std::floor(u(g) * 4);
+            if (kind < 7) k.set(j, 0, d, 0.0, width);              /* boxed at lower */
+            else if (kind < 9) k.set(j, 2, -d, -width, 0.0);       /* boxed at upper */
+            else k.set(j, 0, d, 0.0, 1e20);                        /* lower bound only */
+            double a = (u(g) < 0.5 ? -1.0 : 1.0) * (0.25 + std::floor(u(g) * 8) * 0.25);
+            if (u(g) < 0.8) entries.push_back({j, a});
+        }
+        k.row(entries);
+        double slope = 1.0 + u(g) * 400.0;
+        int dir = round % 2 ? 1 : -1;
+        std::vector<int> ref_flips;
+        double ref_step = 0.0;
+        int ref = reference_walk(k, dir, slope, k.ds->harris_delta, &ref_flips, &ref_step);
+        int st = ratio_dual(k.lp, dir, slope, 1);
+        ASSERT_TRUE(st == 0 || st == 3 || st == RC_RETRY) << st;
+        if (ref < 0) {
+            EXPECT_EQ(st, 3) << round;
+            continue;
+        }
+        walked += !ref_flips.empty();
+        EXPECT_EQ(k.ds->rw_enter, ref) << round;
+        EXPECT_EQ(k.ds->rw_step, ref_step) << round;
+        std::sort(ref_flips.begin(), ref_flips.end());
+        if (st == 0) {
+            EXPECT_EQ(k.flips(), ref_flips) << round;
+        }
+        for (auto &e : entries) k.ds->prow[e.first] = 0.0;
+    }
+    EXPECT_GT(walked, 50);
 }
