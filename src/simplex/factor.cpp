@@ -78,7 +78,7 @@ void lu_free_record(lu_record **lup) {
                     &f->ur_room, &f->eta_row, &f->eta_beg, &f->first_eta_touching,
                     &f->spike_idx, &f->rspike_idx, &f->mark, &f->list, &f->list2,
                     &f->heap, &f->rowmap, &f->colmap, &f->rf_beg, &f->rf_len,
-                    &f->rf_room, &f->cf_beg, &f->cf_len, &f->cf_room, &f->rc_next,
+                    &f->rf_room, &f->rf_act, &f->cf_beg, &f->cf_len, &f->cf_room, &f->rc_next,
                     &f->rc_prev, &f->rc_key, &f->cc_next, &f->cc_prev, &f->cc_key,
                     &f->rc_head, &f->cc_head, &f->stamp, &f->seen, &f->sortbuf,
                     &f->us_beg};
@@ -104,7 +104,7 @@ static int lu_size(lu_record *f, int ncols) {
         int **ints[] = {&f->l_row, &f->l_step_of_row, &f->lr_beg, &f->lr_len,
                         &f->pos_of_row, &f->ur_beg, &f->ur_len, &f->ur_room,
                         &f->first_eta_touching, &f->spike_idx, &f->rspike_idx,
-                        &f->rowmap, &f->rf_beg, &f->rf_len, &f->rf_room, &f->rc_next,
+                        &f->rowmap, &f->rf_beg, &f->rf_len, &f->rf_room, &f->rf_act, &f->rc_next,
                         &f->rc_prev, &f->rc_key};
         for (int **p : ints) st = st ? st : arr_fresh(p, m);
         st = st ? st : arr_fresh(&f->l_beg, m + 1);
@@ -293,6 +293,8 @@ struct fac_ctx {
     int nrows, ncols;
     double *fill_row, *fill_col;
     int growth_locked;
+    const simplex_lp *s; /* the basis columns: head[c] of the working LP */
+    const int *head;
 };
 
 /* Makes room for need entries at the top of the row file. */
@@ -552,32 +554,106 @@ static int do_pivot(fac_ctx &x, int r, int c, int step) {
     return 0;
 }
 
-/* The singleton passes: column singletons (pass 0) or row singletons
- * (pass 1) with magnitude at least t. Rejected singletons stay for the
- * Markowitz phase. */
-static int singleton_pass(fac_ctx &x, int which, double t, int *step, int *count) {
+/* A row singleton (r, c) of value a: U gets no entry; the rows of column c
+ * lose it by count only (rf_act), their entries staying in the file until
+ * the pass ends. The singleton passes never change a value, so the
+ * multipliers are those of basis column c. */
+static int row_singleton_pivot(fac_ctx &x, int r, int c, double a, int step) {
     lu_record *f = x.f;
-    int *head = which == 0 ? f->cc_head : f->rc_head;
+    double pinv = 1.0 / a;
+    f->rowmap[r] = c;
+    f->colmap[c] = r;
+    f->l_row[step] = r;
+    f->pivot_inv[r] = pinv;
+    cl_remove(f->rc_head, f->rc_next, f->rc_prev, f->rc_key, r);
+    cl_remove(f->cc_head, f->cc_next, f->cc_prev, f->cc_key, c);
+    f->us_beg[step] = f->us_top;
+    f->nz_active -= f->rf_act[r];
+    f->rf_len[r] = f->rf_act[r] = 0;
+    f->rf_room[r] = 0;
+
+    int cl = f->cf_len[c];
+    if (l_room(f, cl)) return 1001;
+    double *col = f->work2;
+    int j = x.head[c];
+    for (int k = x.s->col_beg[j]; k < x.s->col_end[j]; k++) col[x.s->row_idx[k]] = x.s->val[k];
+    f->l_beg[step] = f->l_top;
+    const int *rows = f->cf_idx + f->cf_beg[c];
+    for (int q = 0; q < cl; q++) {
+        int i = rows[q];
+        if (i == r) continue;
+        f->nz_active--;
+        f->l_idx[f->l_top] = i;
+        f->l_val[f->l_top] = col[i] * pinv;
+        f->l_top++;
+        int k = --f->rf_act[i];
+        cl_remove(f->rc_head, f->rc_next, f->rc_prev, f->rc_key, i);
+        if (k > 0)
+            cl_insert(f->rc_head, f->rc_next, f->rc_prev, f->rc_key, i,
+                      k < f->list_max ? k : f->list_max);
+    }
+    for (int k = x.s->col_beg[j]; k < x.s->col_end[j]; k++) col[x.s->row_idx[k]] = 0.0;
+    f->cf_len[c] = 0;
+    f->cf_room[c] = 0;
+    f->l_beg[step + 1] = f->l_top;
+    return 0;
+}
+
+/* The row-singleton pass. A long row met by many singleton pivots is not
+ * scanned once per pivot: rows shrink by count and are compacted, largest
+ * entry first, once at the end. */
+static int row_singleton_pass(fac_ctx &x, double t, int *step, int *count) {
+    lu_record *f = x.f;
+    for (int r = 0; r < x.nrows; r++) f->rf_act[r] = f->rf_len[r];
     bool rejected = false;
-    while (head[1] >= 0) {
-        int y = head[1];
-        int r, c;
-        double a;
-        if (which == 0) {
-            c = y;
-            r = f->cf_idx[f->cf_beg[c]];
-            a = rf_value(f, r, c);
-        } else {
-            r = y;
-            c = f->rf_idx[f->rf_beg[r]];
-            a = f->rf_val[f->rf_beg[r]];
+    int st = 0;
+    while (f->rc_head[1] >= 0) {
+        int r = f->rc_head[1];
+        int b = f->rf_beg[r], e = b + f->rf_len[r], at = b;
+        while (at < e && f->colmap[f->rf_idx[at]] >= 0) at++;
+        if (at == e) { /* cannot happen: the count says one entry is left */
+            st = 1256;
+            break;
         }
-        if (std::fabs(a) < t) {
+        if (std::fabs(f->rf_val[at]) < t) {
+            cl_remove(f->rc_head, f->rc_next, f->rc_prev, f->rc_key, r);
+            rejected = true;
+            continue;
+        }
+        st = row_singleton_pivot(x, r, f->rf_idx[at], f->rf_val[at], *step);
+        if (st) break;
+        (*step)++;
+        (*count)++;
+    }
+    for (int r = 0; r < x.nrows; r++) {
+        if (f->rowmap[r] >= 0 || f->rf_act[r] == f->rf_len[r]) continue;
+        int b = f->rf_beg[r], e = b + f->rf_len[r], o = b;
+        for (int k = b; k < e; k++) {
+            if (f->colmap[f->rf_idx[k]] >= 0) continue;
+            f->rf_idx[o] = f->rf_idx[k];
+            f->rf_val[o] = f->rf_val[k];
+            o++;
+        }
+        f->rf_len[r] = o - b;
+        rf_largest_first(f, r);
+    }
+    if (rejected && st == 0)
+        for (int r = 0; r < x.nrows; r++)
+            if (f->rowmap[r] < 0 && f->rc_key[r] < 0 && f->rf_len[r] > 0) row_relink(f, r);
+    return st;
+}
+
+/* The column-singleton pass: singletons of magnitude at least t. Rejected
+ * singletons stay for the Markowitz phase. */
+static int singleton_pass(fac_ctx &x, double t, int *step, int *count) {
+    lu_record *f = x.f;
+    bool rejected = false;
+    while (f->cc_head[1] >= 0) {
+        int c = f->cc_head[1];
+        int r = f->cf_idx[f->cf_beg[c]];
+        if (std::fabs(rf_value(f, r, c)) < t) {
             /* parked out of the list; put back after the pass */
-            if (which == 0)
-                cl_remove(f->cc_head, f->cc_next, f->cc_prev, f->cc_key, c);
-            else
-                cl_remove(f->rc_head, f->rc_next, f->rc_prev, f->rc_key, r);
+            cl_remove(f->cc_head, f->cc_next, f->cc_prev, f->cc_key, c);
             rejected = true;
             continue;
         }
@@ -586,15 +662,9 @@ static int singleton_pass(fac_ctx &x, int which, double t, int *step, int *count
         (*step)++;
         (*count)++;
     }
-    if (rejected) {
-        if (which == 0) {
-            for (int c = 0; c < x.ncols; c++)
-                if (f->colmap[c] < 0 && f->cc_key[c] < 0 && f->cf_len[c] > 0) col_relink(f, c);
-        } else {
-            for (int r = 0; r < x.nrows; r++)
-                if (f->rowmap[r] < 0 && f->rc_key[r] < 0 && f->rf_len[r] > 0) row_relink(f, r);
-        }
-    }
+    if (rejected)
+        for (int c = 0; c < x.ncols; c++)
+            if (f->colmap[c] < 0 && f->cc_key[c] < 0 && f->cf_len[c] > 0) col_relink(f, c);
     return 0;
 }
 
@@ -876,7 +946,7 @@ int lu_factor_on(lu_record *f, const simplex_lp *s, const int *head, int ncols,
         lu_release_big(f);
         return 1001;
     }
-    fac_ctx x{f, m, ncols, fill_row, fill_col, f->growth_locked};
+    fac_ctx x{f, m, ncols, fill_row, fill_col, f->growth_locked, s, head};
 
     /* 1. the order of the singleton passes */
     if (f->update_count_prev > 0 && f->nz_lu > 0) {
@@ -1000,11 +1070,11 @@ int lu_factor_on(lu_record *f, const simplex_lp *s, const int *head, int ncols,
     int step = 0, st = 0;
     f->n_colsing = f->n_rowsing = f->n_dense = 0;
     if (f->order_flag == 1) {
-        st = singleton_pass(x, 0, t, &step, &f->n_colsing);
-        if (!st) st = singleton_pass(x, 1, t, &step, &f->n_rowsing);
+        st = singleton_pass(x, t, &step, &f->n_colsing);
+        if (!st) st = row_singleton_pass(x, t, &step, &f->n_rowsing);
     } else {
-        st = singleton_pass(x, 1, t, &step, &f->n_rowsing);
-        if (!st) st = singleton_pass(x, 0, t, &step, &f->n_colsing);
+        st = row_singleton_pass(x, t, &step, &f->n_rowsing);
+        if (!st) st = singleton_pass(x, t, &step, &f->n_colsing);
     }
 
     /* 8. the Markowitz phase, 9. the dense tail */

@@ -124,6 +124,7 @@ struct lu_record {
     /* the factorization's active matrix and work arrays */
     int *rowmap, *colmap;   /* results of the last lu_factor */
     int *rf_beg, *rf_len, *rf_room;
+    int *rf_act;          /* entries still active, during the row-singleton pass */
     int *rf_idx;
     double *rf_val;
     int rf_cap, rf_top;

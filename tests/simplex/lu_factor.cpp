@@ -417,3 +417,48 @@ TEST(LuFactor, FileGrowthFromTightFillFactors) {
 }
 
 } // namespace
+
+/* Rows first: long rows met by every row singleton shrink by count and are
+ * compacted once. The basis here has two long rows, a 4 by 4 block the
+ * Markowitz phase must take after the pass, and a tiny row singleton the pass
+ * rejects; the factor must solve as the one taken columns first. */
+TEST(LuFactor, RowSingletonPassCompactsLongRows) {
+    std::mt19937 rng(77);
+    std::uniform_real_distribution<double> U(0.5, 2.0);
+    int m = 300, blk = m - 4;
+    for (int tiny_row : {-1, 17}) {
+        VecLP L(m);
+        std::vector<int> head;
+        for (int c = 0; c < blk; c++) {
+            std::vector<std::pair<int, double>> e;
+            e.push_back({c, c == tiny_row ? 1e-13 : U(rng)});
+            if (c % 2 == 0) e.push_back({m - 2, -U(rng)});
+            e.push_back({m - 1, U(rng) * (c % 7 == 0 ? 100.0 : 1.0)});
+            head.push_back(L.add(e));
+        }
+        for (int c = blk; c < m; c++) {
+            std::vector<std::pair<int, double>> e;
+            for (int i = blk; i < m; i++) e.push_back({i, (i == c ? 5.0 : 0.0) + U(rng)});
+            head.push_back(L.add(e));
+        }
+        Factor rows(m, m), cols(m, m);
+        rows.f->order_flag = 0;
+        cols.f->order_flag = 1;
+        int sr = rows.factor(L, head), sc = cols.factor(L, head);
+        if (tiny_row >= 0) {
+            /* the row's only entry is below the pivot tolerance: singular */
+            EXPECT_EQ(sr, 1256);
+            EXPECT_EQ(rows.rowmap[tiny_row], -1);
+            continue;
+        }
+        ASSERT_EQ(sr, 0);
+        ASSERT_EQ(sc, 0);
+        EXPECT_EQ(rows.f->n_rowsing, blk);
+        check_solves(L, rows, head, rng, 1e-12, 0);
+        auto b = random_dense(rng, m, 1.0);
+        std::vector<double> x1 = b, x2 = b;
+        lu_ftran_dense(rows.f, x1.data());
+        lu_ftran_dense(cols.f, x2.data());
+        for (int i = 0; i < m; i++) EXPECT_NEAR(x1[i], x2[i], 1e-9 * (1.0 + std::fabs(x2[i])));
+    }
+}
