@@ -84,6 +84,8 @@ int main(int argc, char **argv) {
     const char *disp = std::getenv("TRV_DISPLAY");
     TRVsetintparam(env, 1019, disp ? std::atoi(disp) : 0);
     if (disp) TRVsetintparam(env, 1035, 1);
+    /* no basis recovery files in the working folder on the long runs */
+    TRVsetintparam(env, 1004, 2100000000);
     if (const char *pp = std::getenv("TRV_PARAMS")) {
         std::string list = pp;
         size_t at = 0;

@@ -20,14 +20,31 @@ struct Solution {
     std::vector<double> x, pi, slack, dj;
 };
 
-/* Solves by the primal simplex and reads everything back. */
-inline int solve_primal(TRVenv env, TRVlp lp, Solution &s) {
-    int st = TRVprimopt(env, lp);
-    if (st != 0) return st;
+/* Reads the whole solution of a solved problem back. */
+inline int read_solution(TRVenv env, TRVlp lp, Solution &s) {
     int n = TRVgetnumcols(env, lp), m = TRVgetnumrows(env, lp);
     s.x.assign(n, 0.0), s.dj.assign(n, 0.0), s.pi.assign(m, 0.0), s.slack.assign(m, 0.0);
     return TRVsolution(env, lp, &s.stat, &s.obj, s.x.data(), s.pi.data(), s.slack.data(),
                        s.dj.data());
+}
+
+/* Solves by an optimiser (TRVprimopt, TRVdualopt, TRVlpopt) and reads
+ * everything back. */
+inline int solve_by(int (*opt)(TRVenv, TRVlp), TRVenv env, TRVlp lp, Solution &s) {
+    int st = opt(env, lp);
+    return st != 0 ? st : read_solution(env, lp, s);
+}
+inline int solve_primal(TRVenv env, TRVlp lp, Solution &s) {
+    return solve_by(TRVprimopt, env, lp, s);
+}
+
+/* The activity A x of every row of the model. */
+inline std::vector<double> row_activity(const Model &md, const std::vector<double> &x) {
+    std::vector<double> ax(md.nrows(), 0.0);
+    for (int j = 0; j < md.ncols(); j++)
+        for (int k = md.matbeg[j]; k < md.matbeg[j] + md.matcnt[j]; k++)
+            ax[md.matind[k]] += md.matval[k] * x[j];
+    return ax;
 }
 
 inline std::string check_kkt(const Model &md, const Solution &s, double tol = 1e-6) {
@@ -166,11 +183,7 @@ inline Outcome solve_outcome(TRVenv env, const Model &md, bool dual) {
     o.itcnt = TRVgetitcnt(env, lp);
     if (o.stat == 1) {
         Solution s;
-        int n = md.ncols(), m = md.nrows();
-        s.x.resize(n), s.dj.resize(n), s.pi.resize(m), s.slack.resize(m);
-        EXPECT_EQ(TRVsolution(env, lp, &s.stat, &s.obj, s.x.data(), s.pi.data(),
-                              s.slack.data(), s.dj.data()),
-                  0);
+        EXPECT_EQ(read_solution(env, lp, s), 0);
         o.kkt = check_kkt(md, s, 1e-6);
     }
     TRVfreeprob(env, &lp);
